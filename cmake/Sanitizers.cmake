@@ -1,0 +1,14 @@
+# ORBISK_SANITIZERS is a comma-separated list for -fsanitize; ORBISK_COVERAGE turns gcov on.
+if(ORBISK_SANITIZERS)
+    add_compile_options(-fsanitize=${ORBISK_SANITIZERS} -fno-omit-frame-pointer -O1)
+    add_link_options(-fsanitize=${ORBISK_SANITIZERS})
+    # The scene-graph library is built without run-time type checks of its own vtables in mind:
+    # its classes are torn down through bases across shared objects.
+    if(ORBISK_SANITIZERS MATCHES "undefined")
+        add_compile_options(-fno-sanitize=vptr -fno-sanitize-recover=undefined)
+    endif()
+endif()
+if(ORBISK_COVERAGE)
+    add_compile_options(--coverage -O0)
+    add_link_options(--coverage)
+endif()
