@@ -1,0 +1,63 @@
+#include "app/OrbiskApp.h"
+
+#include "app/Language.h"
+#include "app/OrbiskMain.h"
+#include "app/SettingsText.h"
+#include "settings/AppSettings.h"
+#include "settings/SettingsFile.h"
+
+#include <wx/image.h>
+#include <wx/socket.h>
+#include <wx/utils.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+wxIMPLEMENT_APP_NO_MAIN(orbisk::OrbiskApp);
+
+namespace orbisk {
+
+namespace {
+
+wxString& modelAtStart() {
+    static wxString path;
+    return path;
+}
+
+/// A settings file that is not JSON ends the process: what the user had set must not be replaced
+/// by defaults at the next close.
+void loadSettingsOrEnd() {
+    const wxSize display = wxGetDisplaySize();
+    const auto error = loadSettings(appSettings(), {display.x, display.y}, settingsPathEncoding());
+    if (!error)
+        return;
+    std::fprintf(stderr, "%s:%d:%d: %s\n", settingsFileName, error->line, error->column,
+                 error->message.c_str());
+    std::fflush(nullptr);
+    std::_Exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+void OrbiskApp::openAtStart(const wxString& path) {
+    modelAtStart() = path;
+}
+
+bool OrbiskApp::OnInit() {
+    loadSettingsOrEnd();
+    setUpLocale();
+    wxSocketBase::Initialize();
+    wxInitAllImageHandlers();
+    auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
+    frame->Show(true);
+    SetTopWindow(frame);
+    if (!modelAtStart().empty())
+        frame->CallAfter(&OrbiskFrame::openFile, modelAtStart());
+    return true;
+}
+
+void OrbiskApp::setUpLocale() {
+    orbisk::setUpLocale(appSettings().language, m_locale);
+}
+
+} // namespace orbisk

@@ -1,0 +1,376 @@
+#include "app/OrbiskMain.h"
+
+#include "app/About.h"
+#include "app/IconStatusBar.h"
+#include "app/InitPanel.h"
+#include "app/OrbiskApp.h"
+#include "app/RecentFiles.h"
+#include "app/SettingsText.h"
+#include "app/WebAddress.h"
+#include "app/WindowPlacement.h"
+#include "measure/MeasurementSet.h"
+#include "platform/Platform.h"
+#include "settings/AppSettings.h"
+#include "view/ModelWriter.h"
+#include "view/OSGCanvas.h"
+#include "view/ThreadingPause.h"
+
+#include <wx/filedlg.h>
+#include <wx/filename.h>
+#include <wx/intl.h>
+#include <wx/log.h>
+
+#include <vector>
+
+namespace orbisk {
+
+namespace {
+
+constexpr int canvasAttributes[] = {
+    WX_GL_RGBA, WX_GL_DOUBLEBUFFER, WX_GL_DEPTH_SIZE, 16, WX_GL_STENCIL_SIZE, 0, 0};
+constexpr const char* canvasPane = translatable("Canvas");
+constexpr const char* welcomePane = translatable("PanelInit");
+constexpr const char* toolBarPane = "Toolbar";
+
+/// A pane that fills the centre and stays there.
+wxAuiPaneInfo centrePane(const char* name) {
+    return wxAuiPaneInfo()
+        .Name(name)
+        .Caption(wxGetTranslation(name))
+        .CaptionVisible(false)
+        .CloseButton(false)
+        .Center()
+        .Floatable(false)
+        .Movable(false);
+}
+
+DisplayMode modeOf(Command command) {
+    switch (command) {
+    case Command::PointCloud:
+        return DisplayMode::PointCloud;
+    case Command::Tin:
+        return DisplayMode::Tin;
+    default:
+        return DisplayMode::Gray;
+    }
+}
+
+wxString openFilter() {
+    return _("all files(*)|*.*|osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|"
+             "osgt file(*.osgt)|*.osgb|obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|"
+             "dxf file(*.dxf)|*.dxf|wrl file(*.wrl)|*.wrl|max file(*.max)|*.max|"
+             "fbx file(*.fbx)|*.fbx|dae file(*.dae)|*.dae||");
+}
+
+wxString saveFilter() {
+    return _("osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|osgt file(*.osgt)|*.osgb|"
+             "obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|dxf file(*.dxf)|*.dxf|"
+             "wrl file(*.wrl)|*.wrl|max file(*.max)|*.max|fbx file(*.fbx)|*.fbx|"
+             "dae file(*.dae)|*.dae ");
+}
+
+} // namespace
+
+// clang-format off
+wxBEGIN_EVENT_TABLE(OrbiskFrame, wxFrame)
+    EVT_IDLE(OrbiskFrame::onIdle)
+    EVT_CLOSE(OrbiskFrame::onClose)
+wxEND_EVENT_TABLE()
+    // clang-format on
+
+    OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
+    : m_docking(nullptr) {
+    Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
+    SetIcons(platform::programIcon());
+    m_docking.SetManagedWindow(this);
+    placeOnDisplay();
+    webAddress() = decodeHexText(makerWebAddressDigits());
+    m_loader = std::make_unique<ModelLoader>(this);
+    m_bars = std::make_unique<CommandBars>(
+        *this,
+        CommandHandlers{[this](Command command, bool checked) { runCommand(command, checked); },
+                        [this](std::size_t index) { openRecent(index); }});
+    buildContents();
+    Bind(wxEVT_SIZE, &OrbiskFrame::onSize, this);
+    Bind(evtLoadProgress, &OrbiskFrame::onProgress, this);
+    m_docking.Update();
+}
+
+OrbiskFrame::~OrbiskFrame() {
+    platform::closeHelp();
+    const wxPoint position = GetPosition();
+    const wxSize size = GetSize();
+    appSettings().rect = {position.x, position.y, size.x, size.y};
+    saveSettings(appSettings(), settingsPathEncoding());
+    m_viewer.detachCanvas();
+    m_docking.UnInit();
+}
+
+void OrbiskFrame::placeOnDisplay() {
+    const wxSize display = wxGetDisplaySize();
+    const WindowRect& saved = appSettings().rect;
+    if (opensMaximised(saved, {display.x, display.y}))
+        Maximize();
+    else
+        SetSize(saved.x, saved.y, saved.w, saved.h, wxSIZE_USE_EXISTING);
+}
+
+void OrbiskFrame::buildContents() {
+    buildCanvasPane();
+    if (!m_viewer.exists())
+        buildWelcomePane();
+    m_docking.GetPane(canvasPane).Show(m_viewer.exists());
+    SetStatusBar(
+        new IconStatusBar(this, wxID_ANY, wxSTB_DEFAULT_STYLE, wxASCII_STR(wxStatusBarNameStr)));
+    m_bars->buildMenuBar(appSettings().path_recent);
+    buildToolBarPane();
+    m_bars->setChecked(
+        appSettings().language == languageEnglish ? Command::English : Command::Chinese, true);
+    m_bars->setChecked(Command::Toolbar, appSettings().tool_show != 0);
+    m_bars->setChecked(Command::Skybox, appSettings().sky_show != 0);
+}
+
+void OrbiskFrame::buildCanvasPane() {
+    m_canvas = new OSGCanvas(this, wxWindow::NewControlId(), canvasAttributes, wxDefaultPosition,
+                             wxDefaultSize, 0, "ID_CANVAS");
+    m_docking.AddPane(m_canvas, centrePane(canvasPane));
+}
+
+void OrbiskFrame::buildWelcomePane() {
+    m_welcomePanel =
+        new InitPanel(this, wxWindow::NewControlId(),
+                      InitPanelActions{[this](const wxString& path) { openFile(path); },
+                                       [] { platform::openHelp(appSettings().language); },
+                                       [this] {
+                                           m_bars->showRecentFiles(appSettings().path_recent);
+                                           m_docking.Update();
+                                       }});
+    m_docking.AddPane(m_welcomePanel, centrePane(welcomePane));
+}
+
+void OrbiskFrame::buildToolBarPane() {
+    wxPanel* panel = m_bars->buildToolBar();
+    m_docking.AddPane(panel, wxAuiPaneInfo()
+                                 .Name(toolBarPane)
+                                 .Caption(_("Toolbar"))
+                                 .Top()
+                                 .CaptionVisible(false)
+                                 .CloseButton(false)
+                                 .Floatable(false)
+                                 .Movable(false)
+                                 .Resizable(false)
+                                 .PaneBorder(false)
+                                 .BestSize(panel->GetBestSize())
+                                 .Show(appSettings().tool_show != 0));
+}
+
+void OrbiskFrame::rebuildContents() {
+    std::vector<Command> checked;
+    for (const CommandRow& row : commandTable)
+        if (row.group != CommandGroup::None && m_bars->isChecked(row.command))
+            checked.push_back(row.command);
+    m_viewer.detachCanvas();
+    const wxAuiPaneInfoArray panes = m_docking.GetAllPanes();
+    for (std::size_t i = 0; i < panes.GetCount(); ++i)
+        m_docking.DetachPane(panes[i].window);
+    m_bars->removeMenuBar();
+    SetStatusBar(nullptr);
+    DestroyChildren();
+    m_welcomePanel = nullptr;
+    SetTitle(_("Kelvane"));
+    buildContents();
+    for (const Command command : checked)
+        m_bars->setChecked(command, true);
+    m_docking.Update();
+    if (m_viewer.exists())
+        m_viewer.attachCanvas(*m_canvas);
+}
+
+void OrbiskFrame::switchLanguage(int language) {
+    if (m_loader->isLoading())
+        return;
+    appSettings().language = language;
+    wxGetApp().setUpLocale();
+    rebuildContents();
+}
+
+void OrbiskFrame::replaceWelcomePanel() {
+    if (!m_welcomePanel)
+        return;
+    m_docking.DetachPane(m_welcomePanel);
+    m_welcomePanel->Destroy();
+    m_welcomePanel = nullptr;
+    m_docking.GetPane(canvasPane).Show();
+    m_docking.Update();
+}
+
+void OrbiskFrame::openFile(const wxString& path) {
+    if (addRecentFile(recentPath(path), appSettings().path_recent))
+        m_bars->showRecentFiles(appSettings().path_recent);
+    m_loader->start(path);
+}
+
+void OrbiskFrame::createOSGViewer() {
+    osg::Node* model = m_loader->modelNode();
+    if (!model) {
+        wxLogError(_("File does not exist!"));
+        return;
+    }
+    replaceWelcomePanel();
+    measurementSet().clear();
+    m_bars->uncheckGroup(CommandGroup::Display);
+    m_bars->uncheckGroup(CommandGroup::Measure);
+    m_viewer.showModel(*model, *m_canvas, appSettings().fovy, appSettings().sky_show != 0);
+}
+
+void OrbiskFrame::onSize(wxSizeEvent& event) {
+    event.Skip();
+    wxPanel* panel = m_bars->toolBarPanel();
+    if (!panel || appSettings().tool_show == 0)
+        return;
+    const wxSize size(GetClientSize().x, panel->GetSize().y);
+    panel->SetSize(size);
+    m_docking.GetPane(toolBarPane).BestSize(size);
+}
+
+void OrbiskFrame::onIdle(wxIdleEvent& event) {
+    event.Skip();
+    if (!m_loader->isLoading() && m_viewer.renderFrame())
+        event.RequestMore();
+}
+
+void OrbiskFrame::onProgress(wxThreadEvent& event) {
+    if (event.GetInt() != loadEnded) {
+        m_loader->showProgress(event.GetInt());
+        return;
+    }
+    m_loader->finish();
+    if (m_closeAfterLoad)
+        Destroy();
+    else
+        createOSGViewer();
+}
+
+void OrbiskFrame::onClose(wxCloseEvent& event) {
+    // The reader cannot be stopped and reports to this frame, which therefore outlives it.
+    if (m_loader->isLoading()) {
+        m_closeAfterLoad = true;
+        if (event.CanVeto())
+            event.Veto();
+        return;
+    }
+    Destroy();
+}
+
+void OrbiskFrame::runCommand(Command command, bool checked) {
+    switch (command) {
+    case Command::Open:
+        return openWithDialog();
+    case Command::Save:
+        return saveWithDialog();
+    case Command::Quit:
+        Close();
+        return;
+    case Command::About:
+        return showAbout(this);
+    case Command::Help:
+        return platform::openHelp(appSettings().language);
+    case Command::Chinese:
+        return CallAfter([this] { switchLanguage(languageChinese); });
+    case Command::English:
+        return CallAfter([this] { switchLanguage(languageEnglish); });
+    case Command::ResetModel:
+        return resetModel();
+    case Command::PointCloud:
+    case Command::Tin:
+    case Command::Gray:
+        return setDisplayMode(command, checked);
+    case Command::Toolbar:
+        return showToolBar(checked);
+    case Command::Skybox:
+        return showSkybox(checked);
+    case Command::PointPick:
+    case Command::LinePick:
+    case Command::AreaPick:
+    case Command::AutomaticRoam:
+        return setMeasureMode(command, checked);
+    default:
+        return;
+    }
+}
+
+void OrbiskFrame::openWithDialog() {
+    wxFileDialog dialog(this, _("Open file..."), wxEmptyString, wxEmptyString, openFilter(),
+                        wxFD_OPEN | wxFD_FILE_MUST_EXIST);
+    if (dialog.ShowModal() == wxID_OK)
+        openFile(dialog.GetPath());
+}
+
+void OrbiskFrame::saveWithDialog() {
+    wxFileDialog dialog(this, _("Save file..."), wxEmptyString, wxEmptyString, saveFilter(),
+                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
+    if (dialog.ShowModal() != wxID_OK || !m_loader->modelNode())
+        return;
+    const ThreadingPause pause(m_viewer.osgViewer());
+    const wxFileName source(platform::pathText(m_loader->modelPath()));
+    writeModel(*m_loader->modelNode(), m_loader->modelCallback(),
+               platform::localPath(dialog.GetPath()), platform::localPath(source.GetPath()));
+}
+
+void OrbiskFrame::setDisplayMode(Command command, bool checked) {
+    if (!m_loader->modelNode()) {
+        m_bars->setChecked(command, false);
+        return;
+    }
+    m_bars->setChecked(command, checked);
+    if (!checked) {
+        m_loader->modelCallback()->mode = DisplayMode::AsLoaded;
+        return;
+    }
+    m_bars->uncheckGroup(CommandGroup::Display, command);
+    leaveMeasureModes();
+    m_loader->modelCallback()->mode = modeOf(command);
+}
+
+void OrbiskFrame::setMeasureMode(Command command, bool checked) {
+    if (!m_loader->modelNode()) {
+        m_bars->setChecked(command, false);
+        return;
+    }
+    leaveMeasureModes();
+    m_bars->setChecked(command, checked);
+}
+
+void OrbiskFrame::showToolBar(bool shown) {
+    appSettings().tool_show = shown ? 1 : 0;
+    m_bars->setChecked(Command::Toolbar, shown);
+    m_docking.GetPane(toolBarPane).Show(shown);
+    m_docking.Update();
+}
+
+void OrbiskFrame::showSkybox(bool shown) {
+    appSettings().sky_show = shown ? 1 : 0;
+    m_bars->setChecked(Command::Skybox, shown);
+    m_viewer.setSkyShown(shown);
+}
+
+void OrbiskFrame::resetModel() {
+    leaveMeasureModes();
+    m_viewer.resetManipulator();
+}
+
+void OrbiskFrame::leaveMeasureModes() {
+    const bool roaming = m_bars->isChecked(Command::AutomaticRoam);
+    m_bars->uncheckGroup(CommandGroup::Measure);
+    if (roaming)
+        m_viewer.resetManipulator();
+    m_viewer.hideDrawing();
+}
+
+void OrbiskFrame::openRecent(std::size_t index) {
+    const auto& recent = appSettings().path_recent;
+    if (index < recent.size())
+        openFile(recentPathText(recent[index]));
+}
+
+} // namespace orbisk

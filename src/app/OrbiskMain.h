@@ -1,0 +1,84 @@
+#pragma once
+
+#include "app/CommandBars.h"
+#include "view/ModelLoader.h"
+#include "view/Viewer.h"
+
+#include <wx/aui/framemanager.h>
+#include <wx/frame.h>
+
+#include <memory>
+
+namespace orbisk {
+
+class InitPanel;
+class OSGCanvas;
+
+/// The main window. It owns the parts of the program (docking panes, bars, loader, viewer) and
+/// connects them. Main thread.
+class OrbiskFrame : public wxFrame {
+public:
+    OrbiskFrame(wxWindow* parent, wxWindowID id);
+    ~OrbiskFrame() override;
+
+    /// Records `path` among the recent files and starts to load it. While another load runs, no
+    /// second one is started.
+    void openFile(const wxString& path);
+
+    /// Builds or refreshes the view after a load has ended.
+    void createOSGViewer();
+
+    /// Switches the interface to a language (`Language`): at once, with the model and the view of
+    /// it kept.
+    void switchLanguage(int language);
+
+    ModelLoader& loader() { return *m_loader; }
+
+    Viewer& viewer() { return m_viewer; }
+
+    CommandBars& bars() { return *m_bars; }
+
+    wxAuiManager& docking() { return m_docking; }
+
+    /// Null once the first model has been shown.
+    InitPanel* welcomePanel() const { return m_welcomePanel; }
+
+    OSGCanvas* canvas() const { return m_canvas; }
+
+private:
+    void placeOnDisplay();
+    void buildContents();
+    void buildCanvasPane();
+    void buildWelcomePane();
+    void buildToolBarPane();
+    void rebuildContents();
+    void replaceWelcomePanel();
+
+    void onSize(wxSizeEvent& event);
+    void onIdle(wxIdleEvent& event);
+    void onProgress(wxThreadEvent& event);
+    void onClose(wxCloseEvent& event);
+
+    void runCommand(Command command, bool checked);
+    void openWithDialog();
+    void saveWithDialog();
+    void setDisplayMode(Command command, bool checked);
+    void setMeasureMode(Command command, bool checked);
+    void showToolBar(bool shown);
+    void showSkybox(bool shown);
+    void resetModel();
+    void leaveMeasureModes();
+    void openRecent(std::size_t index);
+
+    wxAuiManager m_docking;
+    InitPanel* m_welcomePanel = nullptr;
+    OSGCanvas* m_canvas = nullptr;
+    std::unique_ptr<ModelLoader> m_loader;
+    std::unique_ptr<CommandBars> m_bars;
+    Viewer m_viewer;
+    bool m_closeAfterLoad = false;
+
+    wxDECLARE_EVENT_TABLE();
+};
+
+} // namespace orbisk

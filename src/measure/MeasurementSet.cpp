@@ -1,0 +1,14 @@
+#include "measure/MeasurementSet.h"
+
+namespace orbisk {
+
+void MeasurementSet::clear() {
+    *this = MeasurementSet();
+}
+
+MeasurementSet& measurementSet() {
+    static MeasurementSet set;
+    return set;
+}
+
+} // namespace orbisk

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <wx/bmpbndl.h>
+#include <wx/iconbndl.h>
+#include <wx/string.h>
+#include <wx/window.h>
+
+#include <string>
+
+/// What differs between operating systems. This folder is the only place that knows which one the
+/// program runs on.
+namespace orbisk::platform {
+
+/// Prepares the process before the toolkit and any graphics library start.
+void prepareProcess();
+
+/// The icon of this resource name (lower case), `side` × `side` pixels at 100 % and crisp at any
+/// scale; an empty bundle when there is none.
+wxBitmapBundle iconResource(const std::string& name, int side);
+
+/// A built-in picture ("banner", "logo", "welcome") at this size.
+wxBitmapBundle artwork(const std::string& name, const wxSize& size);
+
+/// The program's own icon in the sizes that window managers ask for.
+wxIconBundle programIcon();
+
+/// Opens the help in the chosen language (`Language`), beside the running program. Absent help is
+/// the viewer's own affair.
+void openHelp(int language);
+
+/// Closes what `openHelp` left open, before the program ends.
+void closeHelp();
+
+/// Fixes the encoding of file names and texts after the C library's locale was set: numbers keep
+/// the dot, and where the system leaves only ASCII for file names, UTF-8 takes its place.
+void settleLocale();
+
+/// `path` in the local multibyte encoding, for libraries that take narrow file names; empty when
+/// it cannot be converted.
+std::string localPath(const wxString& path);
+
+/// The text of a path in the local multibyte encoding; empty when it cannot be converted.
+wxString pathText(const std::string& localPath);
+
+/// Physical pixels to a unit of the toolkit's window coordinates (mouse positions, client sizes).
+double pixelsPerUnit(const wxWindow& window);
+
+} // namespace orbisk::platform

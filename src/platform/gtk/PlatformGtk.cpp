@@ -1,0 +1,106 @@
+#include "EmbeddedFiles.h"
+#include "platform/Platform.h"
+#include "platform/RunTimePath.h"
+#include "settings/AppSettings.h"
+
+#include <langinfo.h>
+#include <wx/filefn.h>
+#include <wx/filename.h>
+#include <wx/html/helpctrl.h>
+#include <wx/log.h>
+#include <wx/strconv.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include <X11/Xlib.h>
+
+namespace orbisk::platform {
+
+namespace {
+
+constexpr int programIconSides[] = {16, 24, 32, 48, 64, 128, 256};
+
+/// The toolkit's own help viewer, kept between calls so that a second call raises it.
+std::unique_ptr<wxHtmlHelpController>& helpViewer() {
+    static std::unique_ptr<wxHtmlHelpController> viewer;
+    return viewer;
+}
+
+bool onlyAsciiFileNames() {
+    return std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
+}
+
+} // namespace
+
+void prepareProcess() {
+    // The packaged GL canvas needs GLX, so a Wayland session shows the program through X11, unless
+    // the user asked for something else.
+    setenv("GDK_BACKEND", "x11", 0);
+    // The viewer's draw thread and the toolkit share the connection to the X server.
+    XInitThreads();
+    std::setlocale(LC_ALL, "");
+    settleLocale();
+}
+
+wxBitmapBundle iconResource(const std::string& name, int side) {
+    return artwork(name, wxSize(side, side));
+}
+
+wxBitmapBundle artwork(const std::string& name, const wxSize& size) {
+    const std::string_view svg = embeddedFile(name + ".svg");
+    if (svg.empty())
+        return {};
+    return wxBitmapBundle::FromSVG(svg.data(), size);
+}
+
+wxIconBundle programIcon() {
+    wxIconBundle icons;
+    for (const int side : programIconSides) {
+        wxIcon icon;
+        icon.CopyFromBitmap(iconResource("aaaa", side).GetBitmap(wxSize(side, side)));
+        if (icon.IsOk())
+            icons.AddIcon(icon);
+    }
+    return icons;
+}
+
+void openHelp(int language) {
+    const char* folder = language == languageChinese ? "zh" : "en";
+    const wxFileName book(pathText(runTimePath({"help", folder, "orbisk.hhp"})));
+    if (!book.FileExists())
+        return;
+    closeHelp();
+    helpViewer() = std::make_unique<wxHtmlHelpController>(wxHF_DEFAULT_STYLE);
+    helpViewer()->AddBook(book);
+    helpViewer()->DisplayContents();
+}
+
+void closeHelp() {
+    if (helpViewer() && helpViewer()->GetFrame())
+        helpViewer()->Quit();
+    helpViewer().reset();
+}
+
+void settleLocale() {
+    std::setlocale(LC_NUMERIC, "C");
+    if (onlyAsciiFileNames())
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+std::string localPath(const wxString& path) {
+    const wxScopedCharBuffer bytes = path.mb_str(wxConvLibc);
+    return bytes ? std::string(bytes.data(), bytes.length()) : std::string();
+}
+
+wxString pathText(const std::string& localPath) {
+    return wxString(localPath.c_str(), wxConvLibc);
+}
+
+double pixelsPerUnit(const wxWindow& window) {
+    return window.GetContentScaleFactor();
+}
+
+} // namespace orbisk::platform

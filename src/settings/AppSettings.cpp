@@ -1,0 +1,10 @@
+#include "settings/AppSettings.h"
+
+namespace orbisk {
+
+AppSettings& appSettings() {
+    static AppSettings settings;
+    return settings;
+}
+
+} // namespace orbisk

@@ -1,0 +1,154 @@
+#include "view/ModelUpdateCallback.h"
+
+#include <osg/CopyOp>
+#include <osg/Geometry>
+#include <osg/Group>
+#include <osg/NodeVisitor>
+
+namespace orbisk {
+
+namespace {
+
+constexpr unsigned int texturedUnits = 4; ///< units 0 to 3 follow the mode
+
+enum PolygonModeIndex { pointsIndex, linesIndex, filledIndex };
+
+osg::ref_ptr<osg::PolygonMode> makePolygonMode(osg::PolygonMode::Mode mode) {
+    return new osg::PolygonMode(osg::PolygonMode::FRONT_AND_BACK, mode);
+}
+
+} // namespace
+
+/// Stands as a node's bounding-sphere callback and notes that the sphere was computed anew, which
+/// happens after any child below was added, removed or replaced.
+class ModelUpdateCallback::BoundWatch : public osg::Node::ComputeBoundingSphereCallback {
+public:
+    osg::BoundingSphere computeBound(const osg::Node& node) const override {
+        m_changed = true;
+        return m_original.valid() ? m_original->computeBound(node) : node.computeBound();
+    }
+
+    bool isOn(const osg::Node& node) const {
+        return node.getComputeBoundingSphereCallback() == this;
+    }
+
+    void putOn(osg::Node& node) {
+        m_original = node.getComputeBoundingSphereCallback();
+        m_changed = true;
+        node.setComputeBoundingSphereCallback(this);
+    }
+
+    void takeOff(osg::Node& node) {
+        node.setComputeBoundingSphereCallback(m_original.get());
+        m_original = nullptr;
+    }
+
+    /// Whether the subtree changed since the last call.
+    bool takeChange() const {
+        const bool changed = m_changed;
+        m_changed = false;
+        return changed;
+    }
+
+private:
+    osg::ref_ptr<osg::Node::ComputeBoundingSphereCallback> m_original;
+    mutable bool m_changed = true;
+};
+
+ModelUpdateCallback::ModelUpdateCallback()
+    : m_polygonModes{makePolygonMode(osg::PolygonMode::POINT),
+                     makePolygonMode(osg::PolygonMode::LINE),
+                     makePolygonMode(osg::PolygonMode::FILL)},
+      m_watch(new BoundWatch) {}
+
+ModelUpdateCallback::~ModelUpdateCallback() = default;
+
+void ModelUpdateCallback::operator()(osg::Node* node, osg::NodeVisitor* visitor) {
+    if (subtreeChanged(*node) || mode != m_appliedMode) {
+        apply(node);
+        m_appliedMode = mode;
+    }
+    // An update visitor does not enter a subtree in which nothing wants updating either.
+    const bool nothingBelow = visitor->getVisitorType() == osg::NodeVisitor::UPDATE_VISITOR &&
+                              node->getNumChildrenRequiringUpdateTraversal() == 0 &&
+                              !getNestedCallback();
+    if (!nothingBelow)
+        traverse(node, visitor);
+}
+
+void ModelUpdateCallback::apply(osg::Node* node) {
+    Copies copies;
+    applyBelow(node, copies);
+}
+
+void ModelUpdateCallback::attachTo(osg::Node& node) {
+    node.setUpdateCallback(this);
+}
+
+void ModelUpdateCallback::detachFrom(osg::Node& node) {
+    if (node.getUpdateCallback() == this)
+        node.setUpdateCallback(nullptr);
+    if (m_watch->isOn(node))
+        m_watch->takeOff(node);
+}
+
+bool ModelUpdateCallback::subtreeChanged(osg::Node& node) {
+    if (!m_watch->isOn(node))
+        m_watch->putOn(node);
+    node.getBound();
+    return m_watch->takeChange();
+}
+
+void ModelUpdateCallback::applyBelow(osg::Node* node, Copies& copies) const {
+    if (!node)
+        return;
+    if (osg::Geometry* geometry = node->asGeometry()) {
+        applyToGeometry(*geometry, copies);
+    } else if (osg::Group* group = node->asGroup()) {
+        for (unsigned int i = 0; i < group->getNumChildren(); ++i)
+            applyBelow(group->getChild(i), copies);
+    }
+}
+
+void ModelUpdateCallback::applyToGeometry(osg::Geometry& geometry, Copies& copies) const {
+    const osg::StateSet* current = geometry.getStateSet();
+    if (shows(current))
+        return;
+    osg::ref_ptr<osg::StateSet>& copy = copies[current];
+    if (!copy) {
+        copy = current ? new osg::StateSet(*current, osg::CopyOp::SHALLOW_COPY) : new osg::StateSet;
+        copy->setAttribute(polygonMode());
+        const auto textures = texturesOn() ? osg::StateAttribute::ON : osg::StateAttribute::OFF;
+        for (unsigned int unit = 0; unit < texturedUnits; ++unit)
+            copy->setTextureMode(unit, GL_TEXTURE_2D, textures);
+    }
+    geometry.setStateSet(copy);
+}
+
+osg::PolygonMode* ModelUpdateCallback::polygonMode() const {
+    switch (mode) {
+    case DisplayMode::PointCloud:
+        return m_polygonModes[pointsIndex].get();
+    case DisplayMode::Tin:
+        return m_polygonModes[linesIndex].get();
+    default:
+        return m_polygonModes[filledIndex].get();
+    }
+}
+
+bool ModelUpdateCallback::texturesOn() const {
+    return mode != DisplayMode::Gray;
+}
+
+bool ModelUpdateCallback::shows(const osg::StateSet* stateSet) const {
+    if (!stateSet || stateSet->getAttribute(osg::StateAttribute::POLYGONMODE) != polygonMode())
+        return false;
+    const osg::StateAttribute::GLModeValue textures =
+        texturesOn() ? osg::StateAttribute::ON : osg::StateAttribute::OFF;
+    for (unsigned int unit = 0; unit < texturedUnits; ++unit)
+        if (stateSet->getTextureMode(unit, GL_TEXTURE_2D) != textures)
+            return false;
+    return true;
+}
+
+} // namespace orbisk

@@ -1,0 +1,147 @@
+#include "view/OSGCanvas.h"
+
+#include "platform/Platform.h"
+#include "view/ThreadingPause.h"
+
+#include <wx/dcclient.h>
+
+namespace orbisk {
+
+namespace {
+
+/// The viewer's number of a toolkit button: the right button drives what the trackball takes as
+/// its middle one (pan), the middle button what it takes as its right one (zoom).
+unsigned int viewerButton(int toolkitButton) {
+    switch (toolkitButton) {
+    case wxMOUSE_BTN_MIDDLE:
+        return 3;
+    case wxMOUSE_BTN_RIGHT:
+        return 2;
+    default:
+        return static_cast<unsigned int>(toolkitButton);
+    }
+}
+
+bool anyButtonDown(const wxMouseEvent& event) {
+    return event.LeftIsDown() || event.MiddleIsDown() || event.RightIsDown() ||
+           event.Aux1IsDown() || event.Aux2IsDown();
+}
+
+} // namespace
+
+// clang-format off
+wxBEGIN_EVENT_TABLE(OSGCanvas, wxGLCanvas)
+    EVT_SIZE(OSGCanvas::onSize)
+    EVT_PAINT(OSGCanvas::onPaint)
+    EVT_ERASE_BACKGROUND(OSGCanvas::onEraseBackground)
+    EVT_ENTER_WINDOW(OSGCanvas::onEnter)
+    EVT_LEFT_DOWN(OSGCanvas::onButtonDown)
+    EVT_MIDDLE_DOWN(OSGCanvas::onButtonDown)
+    EVT_RIGHT_DOWN(OSGCanvas::onButtonDown)
+    EVT_LEFT_UP(OSGCanvas::onButtonUp)
+    EVT_MIDDLE_UP(OSGCanvas::onButtonUp)
+    EVT_RIGHT_UP(OSGCanvas::onButtonUp)
+    EVT_MOTION(OSGCanvas::onMotion)
+    EVT_MOUSEWHEEL(OSGCanvas::onWheel)
+wxEND_EVENT_TABLE()
+    // clang-format on
+
+    OSGCanvas::OSGCanvas(wxWindow* parent, wxWindowID id, const int* attributes, const wxPoint& pos,
+                         const wxSize& size, long style, const wxString& name)
+    : wxGLCanvas(parent, id, attributes, pos, size, style | wxFULL_REPAINT_ON_RESIZE, name,
+                 wxNullPalette),
+      m_context(this) {}
+
+OSGCanvas::~OSGCanvas() = default;
+
+void OSGCanvas::makeCurrent() {
+    m_context.SetCurrent(*this);
+}
+
+void OSGCanvas::setGraphicsWindow(GraphicsWindowWX* window) {
+    m_graphicsWindow = window;
+}
+
+void OSGCanvas::setScene(osgViewer::Viewer* viewer, osg::Switch* modelSwitch) {
+    m_viewer = viewer;
+    m_modelSwitch = modelSwitch;
+}
+
+ViewSize OSGCanvas::pixelSize() const {
+    const double scale = platform::pixelsPerUnit(*this);
+    const wxSize size = GetClientSize();
+    return {wxRound(size.x * scale), wxRound(size.y * scale)};
+}
+
+osg::Vec2f OSGCanvas::pixelPosition(const wxMouseEvent& event) const {
+    const double scale = platform::pixelsPerUnit(*this);
+    return {static_cast<float>(event.GetX() * scale), static_cast<float>(event.GetY() * scale)};
+}
+
+osgGA::EventQueue& OSGCanvas::queue() const {
+    return *m_graphicsWindow->getEventQueue();
+}
+
+double OSGCanvas::eventTime() const {
+    return queue().getTime();
+}
+
+void OSGCanvas::onSize(wxSizeEvent& event) {
+    event.Skip();
+    const ViewSize size = pixelSize();
+    // A canvas squeezed to nothing has no aspect ratio; the next real size sets all right.
+    if (!m_graphicsWindow || size.w <= 0 || size.h <= 0)
+        return;
+    // A frame in flight reads the viewport that resizing changes.
+    const ThreadingPause pause(m_viewer.get());
+    queue().windowResize(0, 0, size.w, size.h, eventTime());
+    m_graphicsWindow->resized(0, 0, size.w, size.h);
+}
+
+void OSGCanvas::onPaint(wxPaintEvent&) {
+    const wxPaintDC validatesTheDamagedRegion(this);
+}
+
+void OSGCanvas::onEraseBackground(wxEraseEvent&) {}
+
+void OSGCanvas::onEnter(wxMouseEvent&) {
+    SetFocus();
+}
+
+void OSGCanvas::onButtonDown(wxMouseEvent& event) {
+    m_pressPosition = event.GetPosition();
+    m_lastPosition = event.GetPosition();
+    if (!m_graphicsWindow)
+        return;
+    const osg::Vec2f position = pixelPosition(event);
+    queue().mouseButtonPress(position.x(), position.y(), viewerButton(event.GetButton()),
+                             eventTime());
+}
+
+void OSGCanvas::onButtonUp(wxMouseEvent& event) {
+    if (!m_graphicsWindow)
+        return;
+    const osg::Vec2f position = pixelPosition(event);
+    queue().mouseButtonRelease(position.x(), position.y(), viewerButton(event.GetButton()),
+                               eventTime());
+}
+
+void OSGCanvas::onMotion(wxMouseEvent& event) {
+    if (!m_graphicsWindow || !anyButtonDown(event))
+        return;
+    const osg::Vec2f position = pixelPosition(event);
+    queue().mouseMotion(position.x(), position.y(), eventTime());
+}
+
+void OSGCanvas::onWheel(wxMouseEvent& event) {
+    if (!m_graphicsWindow)
+        return;
+    const int notches = event.GetWheelRotation() / event.GetWheelDelta();
+    const int lines = notches * event.GetLinesPerAction();
+    // A turn of less than one notch also scrolls down.
+    const auto direction =
+        lines >= 0 ? osgGA::GUIEventAdapter::SCROLL_DOWN : osgGA::GUIEventAdapter::SCROLL_UP;
+    queue().mouseScroll(direction, eventTime());
+}
+
+} // namespace orbisk

@@ -1,0 +1,99 @@
+#include "view/SceneRoot.h"
+
+#include "settings/RoamParameters.h"
+#include "view/Skybox.h"
+
+#include <osg/Group>
+#include <osg/Light>
+#include <osg/LightSource>
+#include <osgUtil/Optimizer>
+
+namespace orbisk {
+
+namespace {
+
+constexpr unsigned int emptyRootGroups = 3;
+constexpr double homeDistanceInRadii = 10.0;
+constexpr float lightDistanceInRadii = 5.0f;
+
+struct LightStyle {
+    int number;
+    float ambient;
+    float diffuse;
+    float side; ///< of the model on which the light stands: +1 above, -1 below
+};
+
+constexpr LightStyle upperLightStyle{0, 0.5f, 0.8f, 1.0f};
+constexpr LightStyle lowerLightStyle{1, 0.1f, 0.1f, -1.0f};
+
+osg::Vec4 grey(float level) {
+    return {level, level, level, 1.0f};
+}
+
+osg::ref_ptr<osg::LightSource> makeLight(const LightStyle& style, double modelRadius) {
+    const auto height = style.side * lightDistanceInRadii * static_cast<float>(modelRadius);
+    osg::ref_ptr<osg::Light> light = new osg::Light(static_cast<unsigned int>(style.number));
+    light->setAmbient(grey(style.ambient));
+    light->setDiffuse(grey(style.diffuse));
+    light->setPosition(osg::Vec4(0.0f, 0.0f, height, 1.0f));
+    light->setDirection(osg::Vec3(0.0f, 0.0f, -style.side));
+    osg::ref_ptr<osg::LightSource> source = new osg::LightSource;
+    source->setLight(light);
+    return source;
+}
+
+HomeView homeAbove(const osg::Vec3d& center, double sceneRadius) {
+    const osg::Vec3d up(0, 1, 0);
+    return {center + osg::Vec3d(0, 0, homeDistanceInRadii * sceneRadius), center, up};
+}
+
+} // namespace
+
+SceneRoot::SceneRoot() : m_root(new osg::Switch) {}
+
+HomeView SceneRoot::rebuild(osg::Node& model, osg::Camera& camera, bool skyShown) {
+    m_modelSwitch = new osg::Switch;
+    m_modelSwitch->addChild(new osg::Group);
+    m_modelSwitch->addChild(&model);
+    const osg::BoundingSphere bound = model.getBound();
+    const osg::Vec3d center = bound.center();
+    const double radius = static_cast<double>(bound.radius());
+    roamParameters().resetForModel(radius);
+
+    clear();
+    m_root->addChild(m_modelSwitch);
+    const HomeView home = homeAbove(center, static_cast<double>(m_root->getBound().radius()));
+
+    SkyboxPlacement placement;
+    copyPlacement(placement, &camera, center);
+    m_root->addChild(buildSkybox(placement), skyShown);
+    for (unsigned int i = 0; i < emptyRootGroups; ++i)
+        m_root->addChild(new osg::Group);
+    addLights(radius);
+    osgUtil::Optimizer().optimize(m_root.get());
+    return home;
+}
+
+void SceneRoot::addLights(double modelRadius) {
+    osg::StateSet* state = m_modelSwitch->getOrCreateStateSet();
+    for (const auto mode : {GL_LIGHTING, GL_LIGHT0, GL_LIGHT1})
+        state->setMode(static_cast<osg::StateAttribute::GLMode>(mode), osg::StateAttribute::ON);
+    m_modelSwitch->addChild(makeLight(upperLightStyle, modelRadius));
+    m_modelSwitch->addChild(makeLight(lowerLightStyle, modelRadius));
+}
+
+void SceneRoot::setSkyShown(bool shown) {
+    if (skyboxChild < m_root->getNumChildren())
+        m_root->setValue(skyboxChild, shown);
+}
+
+void SceneRoot::hideDrawing() {
+    if (m_modelSwitch)
+        m_modelSwitch->setValue(drawingSlot, false);
+}
+
+void SceneRoot::clear() {
+    m_root->removeChildren(0, m_root->getNumChildren());
+}
+
+} // namespace orbisk

@@ -1,0 +1,104 @@
+#include "view/Viewer.h"
+
+#include "view/ThreadingPause.h"
+
+namespace orbisk {
+
+Viewer::Viewer() = default;
+
+Viewer::~Viewer() {
+    if (!m_viewer)
+        return;
+    detachCanvas();
+    m_scene.clear();
+}
+
+void Viewer::create(OSGCanvas& canvas, double fovy) {
+    m_viewer = new osgViewer::Viewer;
+    setUpCamera(*m_viewer->getCamera(), fovy, canvas.pixelSize());
+    m_trackball = makeTrackball();
+    m_viewer->setCameraManipulator(m_trackball, true);
+    // Escape ends the library's own viewer; here it must not even be heard.
+    m_viewer->setKeyEventSetsDone(0);
+    m_viewer->setQuitEventSetsDone(false);
+    m_viewer->setSceneData(m_scene.root());
+}
+
+void Viewer::bind(OSGCanvas& canvas) {
+    m_canvas = &canvas;
+    const osg::ref_ptr<GraphicsWindowWX> window = new GraphicsWindowWX(&canvas);
+    canvas.setGraphicsWindow(window);
+    m_viewer->getCamera()->setGraphicsContext(window);
+}
+
+void Viewer::showModel(osg::Node& model, OSGCanvas& canvas, double fovy, bool skyShown) {
+    const bool first = !m_viewer;
+    if (first) {
+        create(canvas, fovy);
+        bind(canvas);
+        m_viewer->setThreadingModel(osgViewer::ViewerBase::AutomaticSelection);
+        m_viewer->realize();
+    }
+    const ThreadingPause pause(m_viewer.get());
+    m_model = &model;
+    m_home = m_scene.rebuild(model, *m_viewer->getCamera(), skyShown);
+    // The trackball moves in proportion to the model, not to the sky around it.
+    m_trackball->setNode(&model);
+    setHome(*m_trackball, m_home);
+    if (m_viewer->getCameraManipulator() != m_trackball)
+        m_viewer->setCameraManipulator(m_trackball, false);
+    canvas.setScene(m_viewer.get(), m_scene.modelSwitch());
+    m_viewer->home();
+}
+
+void Viewer::detachCanvas() {
+    if (!m_canvas)
+        return;
+    m_viewer->stopThreading();
+    const osg::ref_ptr<GraphicsWindowWX> window = m_canvas->graphicsWindow();
+    m_scene.root()->releaseGLObjects(window->getState());
+    window->close();
+    m_viewer->getCamera()->setGraphicsContext(nullptr);
+    m_canvas->setGraphicsWindow(nullptr);
+    m_canvas->setScene(nullptr, nullptr);
+    m_canvas = nullptr;
+}
+
+void Viewer::attachCanvas(OSGCanvas& canvas) {
+    bind(canvas);
+    const ViewSize size = canvas.pixelSize();
+    osg::Camera& camera = *m_viewer->getCamera();
+    const double formerAspect = camera.getViewport()->aspectRatio();
+    camera.setProjectionMatrix(camera.getProjectionMatrix() *
+                               osg::Matrixd::scale(formerAspect * size.h / size.w, 1.0, 1.0));
+    camera.setViewport(0, 0, size.w, size.h);
+    canvas.setScene(m_viewer.get(), m_scene.modelSwitch());
+    m_viewer->startThreading();
+}
+
+bool Viewer::renderFrame() {
+    if (!m_viewer || !m_viewer->isRealized())
+        return false;
+    m_viewer->frame();
+    return true;
+}
+
+void Viewer::resetManipulator() {
+    if (!m_viewer)
+        return;
+    m_trackball = makeTrackball();
+    m_viewer->setCameraManipulator(m_trackball, true);
+    m_trackball->setNode(m_model.get());
+    setHome(*m_trackball, m_home);
+    m_viewer->home();
+}
+
+void Viewer::setSkyShown(bool shown) {
+    m_scene.setSkyShown(shown);
+}
+
+void Viewer::hideDrawing() {
+    m_scene.hideDrawing();
+}
+
+} // namespace orbisk
