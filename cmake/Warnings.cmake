@@ -2,7 +2,7 @@
 add_library(orbisk_warnings INTERFACE)
 target_compile_options(orbisk_warnings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align
-    -Wunused -Wnull-dereference -Wdouble-promotion -Wformat=2)
+    -Wunused -Wdouble-promotion -Wformat=2)
 if(ORBISK_WARNINGS_AS_ERRORS)
     target_compile_options(orbisk_warnings INTERFACE -Werror)
 endif()

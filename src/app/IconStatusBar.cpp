@@ -17,6 +17,7 @@ constexpr int fieldWidths[fieldCount] = {-1, 250};
 constexpr int linkField = 1;
 constexpr int logoWidth = 250;
 constexpr int logoHeight = 70;
+constexpr int linkGap = 6;
 const wxColour linkColour(0, 0, 255);
 
 /// The logo at the height of the field, its aspect kept.
@@ -53,8 +54,11 @@ void IconStatusBar::buildPanel(const wxRect& field) {
                       .Family(wxFONTFAMILY_SWISS)
                       .FaceName("Georgia")
                       .Underlined());
+    platform::underlineLabel(*link);
+    platform::makeFlat(*logo);
+    platform::makeFlat(*link);
     auto* row = new wxBoxSizer(wxHORIZONTAL);
-    row->Add(logo, wxSizerFlags().CentreVertical());
+    row->Add(logo, wxSizerFlags().CentreVertical().Border(wxRIGHT, FromDIP(linkGap)));
     row->Add(link, wxSizerFlags().CentreVertical());
     m_panel->SetSizer(row);
     row->Fit(m_panel);
@@ -64,7 +68,8 @@ void IconStatusBar::buildPanel(const wxRect& field) {
 void IconStatusBar::onSize(wxSizeEvent& event) {
     event.Skip();
     wxRect field;
-    if (m_panel && GetFieldRect(linkField, field))
+    // While the frame is being shown the bar may be too small to have an inside.
+    if (m_panel && GetFieldRect(linkField, field) && field.width > 0 && field.height > 0)
         m_panel->SetSize(field);
 }
 

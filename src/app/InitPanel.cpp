@@ -100,7 +100,7 @@ void InitPanel::build() {
     column->Add(buildButtons(), wxSizerFlags().Border(wxBOTTOM, FromDIP(wideGap)));
     column->Add(buildRecentFiles(), wxSizerFlags().Expand());
     auto* margins = new wxBoxSizer(wxVERTICAL);
-    margins->Add(column, wxSizerFlags().Border(wxALL, FromDIP(pageMargin)));
+    margins->Add(column, wxSizerFlags().Centre().Border(wxALL, FromDIP(pageMargin)));
     page->SetSizer(margins);
 
     auto* whole = new wxBoxSizer(wxVERTICAL);
@@ -163,6 +163,9 @@ wxSizer* InitPanel::buildRecentFiles() {
         trash->SetBitmapCurrent(platform::iconResource("icon_trash_current32", trashIconSide));
         trash->SetBackgroundColour(GetBackgroundColour());
         trash->SetToolTip(_("Remove from the list"));
+        platform::underlineLabel(*entry);
+        platform::makeFlat(*entry);
+        platform::makeFlat(*trash);
         rows->Add(entry, wxSizerFlags().CentreVertical());
         rows->Add(trash, wxSizerFlags().CentreVertical());
         ++index;

@@ -55,6 +55,14 @@ DisplayMode modeOf(Command command) {
     }
 }
 
+/// Places the frame before it is shown. One that believes it stands there already would not tell
+/// the window manager, which would then choose a place.
+void placeAt(wxFrame& frame, const WindowRect& rect) {
+    if (frame.GetPosition() == wxPoint(rect.x, rect.y))
+        frame.Move(rect.x + 1, rect.y);
+    frame.SetSize(rect.x, rect.y, rect.w, rect.h, wxSIZE_USE_EXISTING);
+}
+
 wxString openFilter() {
     return _("all files(*)|*.*|osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|"
              "osgt file(*.osgt)|*.osgb|obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|"
@@ -76,10 +84,9 @@ wxBEGIN_EVENT_TABLE(OrbiskFrame, wxFrame)
     EVT_IDLE(OrbiskFrame::onIdle)
     EVT_CLOSE(OrbiskFrame::onClose)
 wxEND_EVENT_TABLE()
-    // clang-format on
+// clang-format on
 
-    OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
-    : m_docking(nullptr) {
+OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id) : m_docking(nullptr) {
     Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
     SetIcons(platform::programIcon());
     m_docking.SetManagedWindow(this);
@@ -112,7 +119,7 @@ void OrbiskFrame::placeOnDisplay() {
     if (opensMaximised(saved, {display.x, display.y}))
         Maximize();
     else
-        SetSize(saved.x, saved.y, saved.w, saved.h, wxSIZE_USE_EXISTING);
+        placeAt(*this, saved);
 }
 
 void OrbiskFrame::buildContents() {
@@ -162,6 +169,7 @@ void OrbiskFrame::buildToolBarPane() {
                                  .PaneBorder(false)
                                  .BestSize(panel->GetBestSize())
                                  .Show(appSettings().tool_show != 0));
+    stretchToolBar();
 }
 
 void OrbiskFrame::rebuildContents() {
@@ -225,6 +233,10 @@ void OrbiskFrame::createOSGViewer() {
 
 void OrbiskFrame::onSize(wxSizeEvent& event) {
     event.Skip();
+    stretchToolBar();
+}
+
+void OrbiskFrame::stretchToolBar() {
     wxPanel* panel = m_bars->toolBarPanel();
     if (!panel || appSettings().tool_show == 0)
         return;
@@ -345,6 +357,7 @@ void OrbiskFrame::showToolBar(bool shown) {
     appSettings().tool_show = shown ? 1 : 0;
     m_bars->setChecked(Command::Toolbar, shown);
     m_docking.GetPane(toolBarPane).Show(shown);
+    stretchToolBar();
     m_docking.Update();
 }
 

@@ -51,6 +51,7 @@ private:
     void buildCanvasPane();
     void buildWelcomePane();
     void buildToolBarPane();
+    void stretchToolBar();
     void rebuildContents();
     void replaceWelcomePanel();
 

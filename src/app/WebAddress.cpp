@@ -1,5 +1,7 @@
 #include "app/WebAddress.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 namespace orbisk {
@@ -9,13 +11,13 @@ constexpr std::size_t digitsPerCharacter = 2;
 }
 
 std::string decodeHexText(std::string_view digits) {
+    const auto isDigit = [](char c) { return std::isxdigit(static_cast<unsigned char>(c)) != 0; };
     std::string text;
     for (std::size_t i = 0; i + digitsPerCharacter <= digits.size(); i += digitsPerCharacter) {
         const std::string pair(digits.substr(i, digitsPerCharacter));
         unsigned int character = 0;
-        int used = 0;
-        if (std::sscanf(pair.c_str(), "%2x%n", &character, &used) != 1 ||
-            used != static_cast<int>(digitsPerCharacter))
+        if (!std::all_of(pair.begin(), pair.end(), isDigit) ||
+            std::sscanf(pair.c_str(), "%2x", &character) != 1)
             break;
         text.push_back(static_cast<char>(character));
     }

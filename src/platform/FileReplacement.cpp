@@ -9,11 +9,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The file that writing to `path` would change: a link stands for what it points to.
-fs::path targetOf(const fs::path& path) {
+constexpr int longestLinkChain = 40;
+
+/// The file that writing to `path` would change: a link stands for what it points to, be that there
+/// already or not.
+fs::path targetOf(fs::path path) {
     std::error_code error;
-    const fs::path target = fs::canonical(path, error);
-    return error ? path : target;
+    for (int links = 0; links < longestLinkChain && fs::is_symlink(path, error); ++links) {
+        const fs::path next = fs::read_symlink(path, error);
+        if (error)
+            break;
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    return path;
 }
 
 bool mayBeWritten(const fs::path& target) {
@@ -40,6 +48,9 @@ bool replaceFile(const fs::path& path, std::string_view bytes) {
     beside += ".new";
     std::error_code error;
     if (writeWhole(beside, bytes)) {
+        const fs::file_status former = fs::status(target, error);
+        if (fs::exists(former))
+            fs::permissions(beside, former.permissions(), error);
         fs::rename(beside, target, error);
         if (!error)
             return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <wx/bmpbndl.h>
+#include <wx/button.h>
 #include <wx/iconbndl.h>
 #include <wx/string.h>
 #include <wx/window.h>
@@ -41,6 +42,12 @@ std::string localPath(const wxString& path);
 
 /// The text of a path in the local multibyte encoding; empty when it cannot be converted.
 wxString pathText(const std::string& localPath);
+
+/// Takes a borderless button's inner margins away, so that it fits where room is scarce.
+void makeFlat(wxWindow& button);
+
+/// Underlines a button's label where an underlined font alone does not.
+void underlineLabel(wxButton& button);
 
 /// Physical pixels to a unit of the toolkit's window coordinates (mouse positions, client sizes).
 double pixelsPerUnit(const wxWindow& window);

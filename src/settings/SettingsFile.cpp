@@ -131,6 +131,44 @@ Json::Value layoutOf(const AppSettings& settings) {
     return layout;
 }
 
+/// The library's writer takes text for UTF-8 and escapes what lies beyond ASCII, while paths are to
+/// stand in the file byte for byte in the local encoding. Each such byte therefore goes through the
+/// writer as the character of that number, and its escape is turned back into the byte after.
+std::string bytesAsCharacters(const std::string& bytes) {
+    constexpr unsigned char firstBeyondAscii = 0x80;
+    std::string text;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < firstBeyondAscii) {
+            text.push_back(c);
+        } else {
+            text.push_back(static_cast<char>(0xc0 | (byte >> 6)));
+            text.push_back(static_cast<char>(0x80 | (byte & 0x3f)));
+        }
+    }
+    return text;
+}
+
+std::string charactersAsBytes(const std::string& json) {
+    constexpr std::size_t escapeLength = 6; // \uXXXX
+    constexpr std::size_t digitsAt = 2;
+    std::string bytes;
+    for (std::size_t i = 0; i < json.size();) {
+        const bool escape = json[i] == '\\' && i + 1 < json.size();
+        const bool character = escape && json[i + 1] == 'u' && i + escapeLength <= json.size();
+        const unsigned long number =
+            character ? std::stoul(json.substr(i + digitsAt, 4), nullptr, 16) : 0;
+        if (number >= 0x80 && number <= 0xff) {
+            bytes.push_back(static_cast<char>(number));
+            i += escapeLength;
+        } else {
+            bytes.append(json, i, escape ? 2 : 1);
+            i += escape ? 2 : 1;
+        }
+    }
+    return bytes;
+}
+
 Json::Value dataOf(const AppSettings& settings, const PathEncoding& encoding) {
     Json::Value data;
     data["tool_show"] = settings.tool_show;
@@ -139,7 +177,7 @@ Json::Value dataOf(const AppSettings& settings, const PathEncoding& encoding) {
     data["fovy"] = std::isfinite(settings.fovy) ? settings.fovy : defaultFovy;
     data["language"] = settings.language;
     for (const std::string& path : settings.path_recent)
-        data["path_recent"].append(encoding.toFile(path));
+        data["path_recent"].append(bytesAsCharacters(encoding.toFile(path)));
     return data;
 }
 
@@ -167,7 +205,7 @@ void saveSettings(const AppSettings& settings, const PathEncoding& encoding) {
     root["sex_is_male"] = true;
     root["project"]["layout"] = layoutOf(settings);
     root["project"]["data"] = dataOf(settings, encoding);
-    replaceFile(settingsFileName, Json::StyledWriter().write(root));
+    replaceFile(settingsFileName, charactersAsBytes(Json::StyledWriter().write(root)));
 }
 
 } // namespace orbisk

@@ -6,6 +6,9 @@
 #include <osg/Group>
 #include <osg/Light>
 #include <osg/LightSource>
+#include <osg/NodeVisitor>
+#include <osg/StateSet>
+#include <osg/Texture>
 #include <osgUtil/Optimizer>
 
 namespace orbisk {
@@ -42,6 +45,22 @@ osg::ref_ptr<osg::LightSource> makeLight(const LightStyle& style, double modelRa
     return source;
 }
 
+/// Lets textures keep their images once they are on the graphics card. The optimiser has them
+/// dropped, but they are needed again for another canvas and for saving the model.
+class ImageKeeper : public osg::NodeVisitor {
+public:
+    ImageKeeper() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+
+    void apply(osg::Node& node) override {
+        if (const osg::StateSet* state = node.getStateSet())
+            for (const auto& unit : state->getTextureAttributeList())
+                for (const auto& attribute : unit)
+                    if (osg::Texture* texture = attribute.second.first->asTexture())
+                        texture->setUnRefImageDataAfterApply(false);
+        traverse(node);
+    }
+};
+
 HomeView homeAbove(const osg::Vec3d& center, double sceneRadius) {
     const osg::Vec3d up(0, 1, 0);
     return {center + osg::Vec3d(0, 0, homeDistanceInRadii * sceneRadius), center, up};
@@ -71,6 +90,8 @@ HomeView SceneRoot::rebuild(osg::Node& model, osg::Camera& camera, bool skyShown
         m_root->addChild(new osg::Group);
     addLights(radius);
     osgUtil::Optimizer().optimize(m_root.get());
+    ImageKeeper keeper;
+    m_root->accept(keeper);
     return home;
 }
 

@@ -56,7 +56,9 @@ void Viewer::detachCanvas() {
         return;
     m_viewer->stopThreading();
     const osg::ref_ptr<GraphicsWindowWX> window = m_canvas->graphicsWindow();
-    m_scene.root()->releaseGLObjects(window->getState());
+    // The window counts its use of the context's number twice. With the second count gone the
+    // library sees that nobody shares the context, deletes what it holds and frees the number.
+    osg::GraphicsContext::decrementContextIDUsageCount(window->getState()->getContextID());
     window->close();
     m_viewer->getCamera()->setGraphicsContext(nullptr);
     m_canvas->setGraphicsWindow(nullptr);

@@ -3,13 +3,17 @@
 #include "platform/Platform.h"
 
 #include <wx/app.h>
-#include <wx/evtloop.h>
+#include <wx/filedlg.h>
 #include <wx/modalhook.h>
+#include <wx/timer.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -20,6 +24,18 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(2);
+constexpr const char* childVariable = "ORBISK_TEST_CHILD";
+
+void failOnAssertion(const wxString& file, int line, const wxString& function,
+                     const wxString& condition, const wxString& message) {
+    ADD_FAILURE() << file.utf8_str() << ":" << line << ": " << function.utf8_str()
+                  << ": assertion failed: " << condition.utf8_str() << ": " << message.utf8_str();
+}
+
+std::size_t entryCount(const char* folder) {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
 
 /// Acts on modal dialogs as their event loops start. One that no test waits for, a message box
 /// among them, fails the test and is not shown: nobody would close it.
@@ -27,17 +43,26 @@ class DialogActor : public wxModalDialogHook {
 public:
     void actOnNext(std::function<void(wxDialog&)> act) { m_act = std::move(act); }
 
+    bool isAwaiting() const { return static_cast<bool>(m_act); }
+
 protected:
     int Enter(wxDialog* dialog) override {
+        // Some dialogs tell of their start twice, as what they are and as any dialog.
+        if (dialog == m_shown)
+            return wxID_NONE;
         if (!m_act) {
             ADD_FAILURE() << "unexpected dialog: " << dialog->GetTitle().utf8_str();
             return wxID_CANCEL;
         }
+        m_shown = dialog;
         dialog->CallAfter([act = std::exchange(m_act, nullptr), dialog] { act(*dialog); });
         return wxID_NONE;
     }
 
+    void Exit(wxDialog*) override { m_shown = nullptr; }
+
 private:
+    wxDialog* m_shown = nullptr;
     std::function<void(wxDialog&)> m_act;
 };
 
@@ -50,6 +75,8 @@ DialogActor& dialogActor() {
 
 GuiTest::GuiTest() {
     dialogActor().Register();
+    wxSetAssertHandler(failOnAssertion);
+    wxEventLoopBase::SetActive(&m_loop);
     for (const char* folder : {"image", "internation", "help"})
         fs::create_symlink(fs::path(ORBISK_STAGE_DIR) / folder, m_folder.path() / folder);
 }
@@ -57,6 +84,7 @@ GuiTest::GuiTest() {
 GuiTest::~GuiTest() {
     if (frame())
         close();
+    wxEventLoopBase::SetActive(nullptr);
     dialogActor().Unregister();
 }
 
@@ -86,8 +114,7 @@ OrbiskFrame* GuiTest::frame() {
 
 bool GuiTest::runUntil(const std::function<bool()>& done, double seconds) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    wxGUIEventLoop loop;
-    const wxEventLoopActivator activate(&loop);
+    wxEventLoopBase& loop = *wxEventLoopBase::GetActive();
     while (!done()) {
         if (std::chrono::steady_clock::now() > limit)
             return false;
@@ -110,25 +137,59 @@ void GuiTest::load(const std::string& path) {
     runFor(0.3);
 }
 
+bool GuiTest::runToEnd(double seconds) {
+    bool timeUp = false;
+    wxTimer limit;
+    limit.Bind(wxEVT_TIMER, [&timeUp](wxTimerEvent&) {
+        timeUp = true;
+        wxTheApp->ExitMainLoop();
+    });
+    limit.StartOnce(static_cast<int>(seconds * 1000));
+    wxTheApp->OnRun();
+    return !timeUp;
+}
+
 void GuiTest::choose(Command command) {
-    wxCommandEvent event(wxEVT_MENU, frame()->bars().menuId(command));
-    const CommandKind kind = rowOf(command).kind;
-    if (kind == CommandKind::Check)
-        event.SetInt(frame()->bars().isChecked(command) ? 0 : 1);
-    event.SetEventObject(frame());
-    frame()->ProcessWindowEvent(event);
+    wxMenuItem& item = menuItem(command);
+    if (item.IsCheck())
+        item.Check(!item.IsChecked());
+    else if (item.IsRadio())
+        item.Check();
+    item.GetMenu()->SendEvent(item.GetId(), item.IsCheckable() ? item.IsChecked() : -1);
     runFor(0.1);
 }
 
+wxMenuItem& GuiTest::menuItem(Command command) {
+    wxMenuItem* item = frame()->GetMenuBar()->FindItem(frame()->bars().menuId(command));
+    if (!item)
+        throw std::runtime_error("no menu item for this command");
+    return *item;
+}
+
+bool GuiTest::isToolChecked(Command command) {
+    return frame()->bars().toolBar()->GetToolToggled(frame()->bars().toolId(command));
+}
+
 void GuiTest::clickTool(Command command) {
-    wxAuiToolBar* bar = frame()->bars().toolBar();
-    const wxRect tool = bar->GetToolRect(frame()->bars().toolId(command));
+    const wxAuiToolBar& bar = *frame()->bars().toolBar();
+    const wxRect tool = bar.GetToolRect(frame()->bars().toolId(command));
     wxUIActionSimulator mouse;
-    mouse.MouseMove(
-        bar->ClientToScreen(wxPoint(tool.x + tool.width / 2, tool.y + tool.height / 2)));
+    mouse.MouseMove(onScreen(bar, tool.GetPosition() + tool.GetSize() / 2));
     runFor(0.1);
     mouse.MouseClick();
     runFor(0.3);
+}
+
+void GuiTest::click(const wxWindow& window) {
+    wxUIActionSimulator mouse;
+    mouse.MouseMove(onScreen(window, wxPoint() + window.GetSize() / 2));
+    runFor(0.1);
+    mouse.MouseClick();
+    runFor(0.3);
+}
+
+wxPoint GuiTest::onScreen(const wxWindow& window, const wxPoint& place) {
+    return window.ClientToScreen(place);
 }
 
 void GuiTest::close() {
@@ -142,6 +203,40 @@ std::string GuiTest::sample(const std::string& name) {
 
 void GuiTest::withNextDialog(std::function<void(wxDialog&)> act) {
     dialogActor().actOnNext(std::move(act));
+}
+
+void GuiTest::chooseInNextFileDialog(const std::string& path) {
+    withNextDialog([path](wxDialog& dialog) {
+        auto& files = dynamic_cast<wxFileDialog&>(dialog);
+        files.SetPath(wxString::FromUTF8(path));
+        files.EndModal(wxID_OK);
+    });
+}
+
+bool GuiTest::isDialogAwaited() {
+    return dialogActor().isAwaiting();
+}
+
+std::size_t GuiTest::threadCount() {
+    return entryCount("/proc/self/task");
+}
+
+std::size_t GuiTest::openFileCount() {
+    return entryCount("/proc/self/fd");
+}
+
+bool GuiTest::inEnvironment(const Environment& environment) {
+    if (std::getenv(childVariable))
+        return true;
+    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+    Environment all = environment;
+    all[childVariable] = "1";
+    ChildProcess child({fs::read_symlink("/proc/self/exe").string(),
+                        std::string("--gtest_filter=") + test->test_suite_name() + "." +
+                            test->name()},
+                       all);
+    EXPECT_EQ(child.wait(), 0) << child.output() << child.errorOutput();
+    return false;
 }
 
 } // namespace orbisk::test

@@ -6,8 +6,8 @@
 #include <langinfo.h>
 #include <wx/filefn.h>
 #include <wx/filename.h>
+#include <wx/frame.h>
 #include <wx/html/helpctrl.h>
-#include <wx/log.h>
 #include <wx/strconv.h>
 
 #include <clocale>
@@ -21,6 +21,7 @@ namespace orbisk::platform {
 
 namespace {
 
+const wxSize helpWindowSize(1000, 720);
 constexpr int programIconSides[] = {16, 24, 32, 48, 64, 128, 256};
 
 /// The toolkit's own help viewer, kept between calls so that a second call raises it.
@@ -28,6 +29,15 @@ std::unique_ptr<wxHtmlHelpController>& helpViewer() {
     static std::unique_ptr<wxHtmlHelpController> viewer;
     return viewer;
 }
+
+/// Reaches the toolkit's own way of styling a widget, which it keeps for its derived classes.
+class StyledWindow : public wxWindow {
+public:
+    static void apply(wxWindow& window, const char* style) {
+        using Styling = void (wxWindow::*)(const char*);
+        (window.*static_cast<Styling>(&StyledWindow::GTKApplyCssStyle))(style);
+    }
+};
 
 bool onlyAsciiFileNames() {
     return std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
@@ -73,9 +83,13 @@ void openHelp(int language) {
     if (!book.FileExists())
         return;
     closeHelp();
-    helpViewer() = std::make_unique<wxHtmlHelpController>(wxHF_DEFAULT_STYLE);
+    // One book is no shelf: its chapters stand at the top of the contents.
+    helpViewer() = std::make_unique<wxHtmlHelpController>(wxHF_DEFAULT_STYLE | wxHF_MERGE_BOOKS);
     helpViewer()->AddBook(book);
     helpViewer()->DisplayContents();
+    wxFrame* window = helpViewer()->GetFrame();
+    window->SetIcons(programIcon());
+    window->SetSize(window->FromDIP(helpWindowSize));
 }
 
 void closeHelp() {
@@ -97,6 +111,20 @@ std::string localPath(const wxString& path) {
 
 wxString pathText(const std::string& localPath) {
     return wxString(localPath.c_str(), wxConvLibc);
+}
+
+void makeFlat(wxWindow& button) {
+    StyledWindow::apply(button,
+                        "* { padding:0; margin:0; min-width:0; min-height:0; border:none }");
+}
+
+void underlineLabel(wxButton& button) {
+    wxString text = button.GetLabelText();
+    text.Replace("&", "&amp;");
+    text.Replace("<", "&lt;");
+    // A single underscore would mark the next letter as the button's mnemonic.
+    text.Replace("_", "__");
+    button.SetLabelMarkup("<u>" + text + "</u>");
 }
 
 double pixelsPerUnit(const wxWindow& window) {

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <osg/ref_ptr>
+#include <osgDB/ReaderWriter>
+#include <osgDB/Registry>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orbisk::test {
+
+/// The file extension that a test's own reader and writer stand for.
+inline constexpr const char* testExtension = "orbisktest";
+
+/// A reader and writer that does what a test tells it and notes the option texts it is given.
+class ScriptedPlugin : public osgDB::ReaderWriter {
+public:
+    ScriptedPlugin() { supportsExtension(testExtension, "made by a test"); }
+
+    const char* className() const override { return "ScriptedPlugin"; }
+
+    ReadResult readNode(const std::string&, const Options* options) const override {
+        note(options);
+        return onRead ? onRead() : ReadResult(ReadResult::ERROR_IN_READING_FILE);
+    }
+
+    WriteResult writeNode(const osg::Node& node, const std::string&,
+                          const Options* options) const override {
+        note(options);
+        return onWrite ? onWrite(node) : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
+    }
+
+    WriteResult writeImage(const osg::Image&, const std::string&, const Options*) const override {
+        return onWriteImage ? onWriteImage() : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
+    }
+
+    std::function<ReadResult()> onRead;
+    std::function<WriteResult(const osg::Node&)> onWrite;
+    std::function<WriteResult()> onWriteImage;
+    mutable std::vector<std::string> optionTexts;
+
+private:
+    void note(const Options* options) const {
+        optionTexts.push_back(options ? options->getOptionString() : "no options");
+    }
+};
+
+/// Keeps a scripted plug-in registered while it lives.
+class PluginInTest {
+public:
+    PluginInTest() { osgDB::Registry::instance()->addReaderWriter(m_plugin); }
+    ~PluginInTest() { osgDB::Registry::instance()->removeReaderWriter(m_plugin); }
+
+    PluginInTest(const PluginInTest&) = delete;
+    PluginInTest& operator=(const PluginInTest&) = delete;
+
+    ScriptedPlugin* operator->() const { return m_plugin.get(); }
+
+private:
+    osg::ref_ptr<ScriptedPlugin> m_plugin = new ScriptedPlugin;
+};
+
+} // namespace orbisk::test
