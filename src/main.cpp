@@ -6,6 +6,8 @@
 #include "settings/SettingsFile.h"
 #include "view/Screenshot.h"
 
+#include <osg/Notify>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -19,9 +21,14 @@ int fail(const std::string& message) {
 }
 
 int takePicture(const orbisk::CommandLine& commandLine) {
+    // What failed is said once, by this program; the library's own messages can be asked for.
+    if (!std::getenv("OSG_NOTIFY_LEVEL"))
+        osg::setNotifyLevel(osg::FATAL);
     orbisk::AppSettings& settings = orbisk::appSettings();
     if (const auto error = orbisk::loadSettings(settings, {}, orbisk::settingsPathEncoding()))
         return fail(std::string(orbisk::settingsFileName) + ": " + error->message);
+    if (!orbisk::platform::hasDisplay())
+        return fail("there is no display to draw with");
     const auto error =
         orbisk::takeScreenshot(*commandLine.screenshot, *commandLine.model, settings);
     return error ? fail(*error) : EXIT_SUCCESS;

@@ -340,7 +340,7 @@ void OrbiskFrame::setDisplayMode(Command command, bool checked) {
         return;
     }
     m_bars->uncheckGroup(CommandGroup::Display, command);
-    leaveMeasureModes();
+    leaveMeasureModes(m_bars->isChecked(Command::AutomaticRoam));
     m_loader->modelCallback()->mode = modeOf(command);
 }
 
@@ -349,7 +349,10 @@ void OrbiskFrame::setMeasureMode(Command command, bool checked) {
         m_bars->setChecked(command, false);
         return;
     }
-    leaveMeasureModes();
+    // The click that brought us here has already turned its own item over.
+    const bool roamWasOn =
+        command == Command::AutomaticRoam ? !checked : m_bars->isChecked(Command::AutomaticRoam);
+    leaveMeasureModes(roamWasOn);
     m_bars->setChecked(command, checked);
 }
 
@@ -368,14 +371,13 @@ void OrbiskFrame::showSkybox(bool shown) {
 }
 
 void OrbiskFrame::resetModel() {
-    leaveMeasureModes();
+    leaveMeasureModes(false);
     m_viewer.resetManipulator();
 }
 
-void OrbiskFrame::leaveMeasureModes() {
-    const bool roaming = m_bars->isChecked(Command::AutomaticRoam);
+void OrbiskFrame::leaveMeasureModes(bool roamWasOn) {
     m_bars->uncheckGroup(CommandGroup::Measure);
-    if (roaming)
+    if (roamWasOn)
         m_viewer.resetManipulator();
     m_viewer.hideDrawing();
 }

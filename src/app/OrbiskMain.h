@@ -68,7 +68,7 @@ private:
     void showToolBar(bool shown);
     void showSkybox(bool shown);
     void resetModel();
-    void leaveMeasureModes();
+    void leaveMeasureModes(bool roamWasOn);
     void openRecent(std::size_t index);
 
     wxAuiManager m_docking;

@@ -15,6 +15,9 @@ namespace orbisk::platform {
 /// Prepares the process before the toolkit and any graphics library start.
 void prepareProcess();
 
+/// Whether there is a display to draw with.
+bool hasDisplay();
+
 /// The icon of this resource name (lower case), `side` × `side` pixels at 100 % and crisp at any
 /// scale; an empty bundle when there is none.
 wxBitmapBundle iconResource(const std::string& name, int side);

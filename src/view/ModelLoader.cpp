@@ -13,9 +13,12 @@ namespace {
 
 constexpr int progressMaximum = 100;
 
-void runDetached(wxThread* thread) {
-    if (thread->Create() == wxTHREAD_NO_ERROR)
-        thread->Run();
+/// Starts a detached thread. @return whether it runs; one that does not is deleted.
+bool runDetached(wxThread* thread) {
+    if (thread->Create() == wxTHREAD_NO_ERROR && thread->Run() == wxTHREAD_NO_ERROR)
+        return true;
+    delete thread;
+    return false;
 }
 
 } // namespace
@@ -33,8 +36,12 @@ bool ModelLoader::start(const wxString& path) {
     m_progress = new wxProgressDialog(_("Process "), _("File Opening..."), progressMaximum, m_frame,
                                       wxPD_CAN_ABORT | wxPD_AUTO_HIDE);
     m_loadFinished = false;
-    runDetached(new WaitingThread(*this));
-    runDetached(new LoadingThread(*this, m_requestedPath));
+    if (!runDetached(new WaitingThread(*this))) {
+        finish();
+        return false;
+    }
+    if (!runDetached(new LoadingThread(*this, m_requestedPath)))
+        setLoadedNode(nullptr);
     return true;
 }
 

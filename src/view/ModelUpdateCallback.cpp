@@ -28,13 +28,8 @@ public:
         return m_original.valid() ? m_original->computeBound(node) : node.computeBound();
     }
 
-    bool isOn(const osg::Node& node) const {
-        return node.getComputeBoundingSphereCallback() == this;
-    }
-
     void putOn(osg::Node& node) {
         m_original = node.getComputeBoundingSphereCallback();
-        m_changed = true;
         node.setComputeBoundingSphereCallback(this);
     }
 
@@ -42,6 +37,8 @@ public:
         node.setComputeBoundingSphereCallback(m_original.get());
         m_original = nullptr;
     }
+
+    void noteChange() const { m_changed = true; }
 
     /// Whether the subtree changed since the last call.
     bool takeChange() const {
@@ -58,15 +55,15 @@ private:
 ModelUpdateCallback::ModelUpdateCallback()
     : m_polygonModes{makePolygonMode(osg::PolygonMode::POINT),
                      makePolygonMode(osg::PolygonMode::LINE),
-                     makePolygonMode(osg::PolygonMode::FILL)},
-      m_watch(new BoundWatch) {}
+                     makePolygonMode(osg::PolygonMode::FILL)} {}
 
 ModelUpdateCallback::~ModelUpdateCallback() = default;
 
 void ModelUpdateCallback::operator()(osg::Node* node, osg::NodeVisitor* visitor) {
-    if (subtreeChanged(*node) || mode != m_appliedMode) {
+    if (walkIsDue(*node)) {
         apply(node);
         m_appliedMode = mode;
+        m_updatesSinceWalk = 0;
     }
     // An update visitor does not enter a subtree in which nothing wants updating either.
     const bool nothingBelow = visitor->getVisitorType() == osg::NodeVisitor::UPDATE_VISITOR &&
@@ -88,15 +85,30 @@ void ModelUpdateCallback::attachTo(osg::Node& node) {
 void ModelUpdateCallback::detachFrom(osg::Node& node) {
     if (node.getUpdateCallback() == this)
         node.setUpdateCallback(nullptr);
-    if (m_watch->isOn(node))
-        m_watch->takeOff(node);
+    if (auto* watch = dynamic_cast<BoundWatch*>(node.getComputeBoundingSphereCallback()))
+        watch->takeOff(node);
+    m_watch = nullptr;
 }
 
-bool ModelUpdateCallback::subtreeChanged(osg::Node& node) {
-    if (!m_watch->isOn(node))
-        m_watch->putOn(node);
+/// The watch of this node. Each node keeps its own: it stands for the callback the node had.
+ModelUpdateCallback::BoundWatch& ModelUpdateCallback::watchOn(osg::Node& node) {
+    osg::Node::ComputeBoundingSphereCallback* current = node.getComputeBoundingSphereCallback();
+    if (!m_watch || current != m_watch) {
+        m_watch = dynamic_cast<BoundWatch*>(current);
+        if (!m_watch) {
+            m_watch = new BoundWatch;
+            m_watch->putOn(node);
+        }
+        m_watch->noteChange();
+    }
+    return *m_watch;
+}
+
+bool ModelUpdateCallback::walkIsDue(osg::Node& node) {
+    BoundWatch& watch = watchOn(node);
     node.getBound();
-    return m_watch->takeChange();
+    ++m_updatesSinceWalk;
+    return watch.takeChange() || mode != m_appliedMode || m_updatesSinceWalk >= updatesBetweenWalks;
 }
 
 void ModelUpdateCallback::applyBelow(osg::Node* node, Copies& copies) const {

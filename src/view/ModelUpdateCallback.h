@@ -18,9 +18,11 @@ namespace orbisk {
 
 /// Shows the model it is attached to in a display mode. One callback serves every model of a run.
 ///
-/// The mode is kept right for whatever the model becomes (tiles paged in, children replaced), yet
-/// an update traversal that finds neither the mode nor the subtree changed costs nothing: a change
-/// anywhere below dirties the model's bounding sphere, and that is watched.
+/// The mode is kept right for whatever the model becomes (tiles paged in, children replaced), at
+/// next to no cost while neither the mode nor the subtree changes: a change below dirties the
+/// model's bounding sphere, and that is watched. What no bounding sphere tells (a child of a camera
+/// inside the model, a state set somebody replaces) is found by a walk that comes round every
+/// `updatesBetweenWalks` updates.
 ///
 /// A draw thread may still be drawing the last frame when a mode is applied. State sets are
 /// therefore replaced by changed copies, never changed in place; geometries that shared a state
@@ -31,6 +33,9 @@ class ModelUpdateCallback : public osg::NodeCallback {
 public:
     ModelUpdateCallback();
 
+    /// After so many update traversals the subtree is looked at whether it seems changed or not.
+    static constexpr int updatesBetweenWalks = 16;
+
     /// The update operation: applies the mode to `node` where that is needed, then continues the
     /// traversal.
     void operator()(osg::Node* node, osg::NodeVisitor* visitor) override;
@@ -38,11 +43,11 @@ public:
     /// Applies the current mode to every geometry at and below `node` (null: nothing happens).
     void apply(osg::Node* node);
 
-    /// Takes this callback and its watch off `node`, as if it had never been attached, so that the
-    /// node can be written to a file; `attachTo` puts them back.
+    /// Takes this callback and its watch off `node`, so that the node can be written to a file;
+    /// `attachTo` puts them back.
     void detachFrom(osg::Node& node);
 
-    /// Makes this the update callback of `node`.
+    /// Makes this the update callback of `node`, in place of any it had.
     void attachTo(osg::Node& node);
 
     DisplayMode mode = DisplayMode::AsLoaded;
@@ -55,7 +60,8 @@ private:
     /// Copies made in one pass, by the state set (null included) they replace.
     using Copies = std::unordered_map<const osg::StateSet*, osg::ref_ptr<osg::StateSet>>;
 
-    bool subtreeChanged(osg::Node& node);
+    BoundWatch& watchOn(osg::Node& node);
+    bool walkIsDue(osg::Node& node);
     void applyBelow(osg::Node* node, Copies& copies) const;
     void applyToGeometry(osg::Geometry& geometry, Copies& copies) const;
     osg::PolygonMode* polygonMode() const;
@@ -65,6 +71,7 @@ private:
     std::array<osg::ref_ptr<osg::PolygonMode>, 3> m_polygonModes; ///< points, lines, filled
     osg::ref_ptr<BoundWatch> m_watch;
     DisplayMode m_appliedMode = DisplayMode::AsLoaded;
+    int m_updatesSinceWalk = 0;
 };
 
 } // namespace orbisk

@@ -66,14 +66,16 @@ std::string bytesOf(const fs::path& path) {
 /// Puts a model's images beside the file it is written to, and takes their former names back.
 class ImagesBeside {
 public:
-    ImagesBeside(osg::Node& model, const fs::path& folder, const std::string& sourceFolder)
+    ImagesBeside(const fs::path& folder, const std::string& sourceFolder)
         : m_folder(folder), m_lookup(new osgDB::Options) {
         m_lookup->getDatabasePathList().push_front(sourceFolder);
+    }
+
+    void place(osg::Node& model) {
         ImageCollector collector;
         model.accept(collector);
         for (osg::Image* image : collector.images) {
-            const std::string name = image->getFileName();
-            m_formerNames.emplace_back(image, name);
+            m_formerNames.emplace_back(image, image->getFileName());
             image->setFileName(place(*image));
         }
     }
@@ -161,12 +163,15 @@ bool writeModel(osg::Node& model, ModelUpdateCallback* callback, const std::stri
     const osg::ref_ptr<osgDB::Options> options = new osgDB::Options("WriteImageHint=UseExternal");
     const CallbackOff withoutCallback(model, callback);
     try {
-        const ImagesBeside images(model, fs::path(path).parent_path(), sourceFolder);
+        ImagesBeside images(fs::path(path).parent_path(), sourceFolder);
+        images.place(model);
         return osgDB::writeNodeFile(model, path, options.get());
     } catch (const std::exception& failure) {
         OSG_WARN << "Writing " << path << " failed: " << failure.what() << std::endl;
-        return false;
+    } catch (...) {
+        OSG_WARN << "Writing " << path << " failed." << std::endl;
     }
+    return false;
 }
 
 } // namespace orbisk

@@ -44,10 +44,10 @@ wxBEGIN_EVENT_TABLE(OSGCanvas, wxGLCanvas)
     EVT_MOTION(OSGCanvas::onMotion)
     EVT_MOUSEWHEEL(OSGCanvas::onWheel)
 wxEND_EVENT_TABLE()
-    // clang-format on
+// clang-format on
 
-    OSGCanvas::OSGCanvas(wxWindow* parent, wxWindowID id, const int* attributes, const wxPoint& pos,
-                         const wxSize& size, long style, const wxString& name)
+OSGCanvas::OSGCanvas(wxWindow* parent, wxWindowID id, const int* attributes, const wxPoint& pos,
+                     const wxSize& size, long style, const wxString& name)
     : wxGLCanvas(parent, id, attributes, pos, size, style | wxFULL_REPAINT_ON_RESIZE, name,
                  wxNullPalette),
       m_context(this) {}

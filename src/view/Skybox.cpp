@@ -8,6 +8,7 @@
 #include <osg/Shape>
 #include <osg/ShapeDrawable>
 #include <osg/TexGen>
+#include <osgDB/FileUtils>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
 
@@ -31,8 +32,11 @@ constexpr SkyFace skyFaces[] = {
 };
 
 osg::ref_ptr<osg::Image> readFace(const char* file) {
-    return osgDB::readRefImageFile(runTimePath({"image", "SkyBoxMap", file}),
-                                   osgDB::Registry::instance()->getOptions());
+    const std::string path = runTimePath({"image", "SkyBoxMap", file});
+    // The library would tell of a missing file, which is no error here.
+    if (!osgDB::fileExists(path))
+        return nullptr;
+    return osgDB::readRefImageFile(path, osgDB::Registry::instance()->getOptions());
 }
 
 osg::ref_ptr<osg::StateSet> buildSkyState() {

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -43,13 +44,17 @@ class DialogActor : public wxModalDialogHook {
 public:
     void actOnNext(std::function<void(wxDialog&)> act) { m_act = std::move(act); }
 
-    bool isAwaiting() const { return static_cast<bool>(m_act); }
+    void answerNext(int answer) { m_answer = answer; }
+
+    bool isAwaiting() const { return m_act || m_answer; }
 
 protected:
     int Enter(wxDialog* dialog) override {
         // Some dialogs tell of their start twice, as what they are and as any dialog.
         if (dialog == m_shown)
             return wxID_NONE;
+        if (m_answer)
+            return *std::exchange(m_answer, std::nullopt);
         if (!m_act) {
             ADD_FAILURE() << "unexpected dialog: " << dialog->GetTitle().utf8_str();
             return wxID_CANCEL;
@@ -64,6 +69,7 @@ protected:
 private:
     wxDialog* m_shown = nullptr;
     std::function<void(wxDialog&)> m_act;
+    std::optional<int> m_answer;
 };
 
 DialogActor& dialogActor() {
@@ -203,6 +209,10 @@ std::string GuiTest::sample(const std::string& name) {
 
 void GuiTest::withNextDialog(std::function<void(wxDialog&)> act) {
     dialogActor().actOnNext(std::move(act));
+}
+
+void GuiTest::answerNextDialog(int answer) {
+    dialogActor().answerNext(answer);
 }
 
 void GuiTest::chooseInNextFileDialog(const std::string& path) {

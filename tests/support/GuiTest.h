@@ -82,6 +82,9 @@ protected:
     /// While the next modal dialog is up, runs `act` on it; `act` must end it.
     static void withNextDialog(std::function<void(wxDialog&)> act);
 
+    /// The next modal dialog is not shown but gets this answer.
+    static void answerNextDialog(int answer);
+
     /// The next dialog has to be one for files: `path` is chosen there.
     static void chooseInNextFileDialog(const std::string& path);
 

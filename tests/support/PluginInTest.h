@@ -1,6 +1,7 @@
 #pragma once
 
 #include <osg/ref_ptr>
+#include <osgDB/FileNameUtils>
 #include <osgDB/ReaderWriter>
 #include <osgDB/Registry>
 
@@ -20,18 +21,25 @@ public:
 
     const char* className() const override { return "ScriptedPlugin"; }
 
-    ReadResult readNode(const std::string&, const Options* options) const override {
+    ReadResult readNode(const std::string& file, const Options* options) const override {
+        if (!isOurs(file))
+            return ReadResult::FILE_NOT_HANDLED;
         note(options);
         return onRead ? onRead() : ReadResult(ReadResult::ERROR_IN_READING_FILE);
     }
 
-    WriteResult writeNode(const osg::Node& node, const std::string&,
+    WriteResult writeNode(const osg::Node& node, const std::string& file,
                           const Options* options) const override {
+        if (!isOurs(file))
+            return WriteResult::FILE_NOT_HANDLED;
         note(options);
         return onWrite ? onWrite(node) : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
     }
 
-    WriteResult writeImage(const osg::Image&, const std::string&, const Options*) const override {
+    WriteResult writeImage(const osg::Image&, const std::string& file,
+                           const Options*) const override {
+        if (!isOurs(file))
+            return WriteResult::FILE_NOT_HANDLED;
         return onWriteImage ? onWriteImage() : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
     }
 
@@ -41,6 +49,11 @@ public:
     mutable std::vector<std::string> optionTexts;
 
 private:
+    /// The library offers a file to whatever is registered.
+    static bool isOurs(const std::string& file) {
+        return osgDB::getLowerCaseFileExtension(file) == testExtension;
+    }
+
     void note(const Options* options) const {
         optionTexts.push_back(options ? options->getOptionString() : "no options");
     }

@@ -55,6 +55,13 @@ void prepareProcess() {
     settleLocale();
 }
 
+bool hasDisplay() {
+    Display* display = std::getenv("DISPLAY") ? XOpenDisplay(nullptr) : nullptr;
+    if (display)
+        XCloseDisplay(display);
+    return display != nullptr;
+}
+
 wxBitmapBundle iconResource(const std::string& name, int side) {
     return artwork(name, wxSize(side, side));
 }
