@@ -1,6 +1,8 @@
 # ORBISK_SANITIZERS is a comma-separated list for -fsanitize; ORBISK_COVERAGE turns gcov on.
 if(ORBISK_SANITIZERS)
-    add_compile_options(-fsanitize=${ORBISK_SANITIZERS} -fno-omit-frame-pointer -O1)
+    # Instrumented code looks uninitialised to the compiler where it is not.
+    add_compile_options(-fsanitize=${ORBISK_SANITIZERS} -fno-omit-frame-pointer -O1
+        -Wno-maybe-uninitialized)
     add_link_options(-fsanitize=${ORBISK_SANITIZERS})
     # The scene-graph library is built without run-time type checks of its own vtables in mind:
     # its classes are torn down through bases across shared objects.

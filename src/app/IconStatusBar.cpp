@@ -13,7 +13,7 @@ namespace orbisk {
 namespace {
 
 constexpr int fieldCount = 2;
-constexpr int fieldWidths[fieldCount] = {-1, 250};
+constexpr int linkFieldWidth = 250;
 constexpr int linkField = 1;
 constexpr int logoWidth = 250;
 constexpr int logoHeight = 70;
@@ -30,6 +30,7 @@ wxBitmapBundle logoOfHeight(int height) {
 
 IconStatusBar::IconStatusBar(wxWindow* parent, wxWindowID id, long style, const wxString& name) {
     Create(parent, id, style, name);
+    const int fieldWidths[fieldCount] = {-1, FromDIP(linkFieldWidth)};
     SetFieldsCount(fieldCount, fieldWidths);
     wxRect field;
     GetFieldRect(linkField, field);
@@ -45,7 +46,7 @@ IconStatusBar::IconStatusBar(wxWindow* parent, wxWindowID id, long style, const 
 void IconStatusBar::buildPanel(const wxRect& field) {
     m_panel = new wxPanel(this, wxID_ANY, field.GetPosition(), field.GetSize(),
                           wxBORDER_NONE | wxTAB_TRAVERSAL);
-    auto* logo = new wxBitmapButton(m_panel, logoButtonId, logoOfHeight(field.height),
+    auto* logo = new wxBitmapButton(m_panel, logoButtonId, logoOfHeight(ToDIP(field.height)),
                                     wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
     auto* link = new wxButton(m_panel, linkButtonId, wxString::FromUTF8(webAddress()),
                               wxDefaultPosition, wxDefaultSize, wxBORDER_NONE | wxBU_EXACTFIT);

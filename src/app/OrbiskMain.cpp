@@ -20,6 +20,8 @@
 #include <wx/intl.h>
 #include <wx/log.h>
 
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace orbisk {
@@ -55,12 +57,23 @@ DisplayMode modeOf(Command command) {
     }
 }
 
-/// Places the frame before it is shown. One that believes it stands there already would not tell
-/// the window manager, which would then choose a place.
+/// Moves the frame even where it believes to stand already: the window manager may know better.
+void moveTo(wxFrame& frame, const wxPoint& position) {
+    frame.Move(position + wxPoint(1, 0));
+    frame.Move(position);
+}
+
+/// Gives the frame the saved geometry. Window managers choose a place for a new window themselves,
+/// so the place is asked for again once the frame is shown.
 void placeAt(wxFrame& frame, const WindowRect& rect) {
-    if (frame.GetPosition() == wxPoint(rect.x, rect.y))
-        frame.Move(rect.x + 1, rect.y);
+    const wxPoint position(rect.x, rect.y);
     frame.SetSize(rect.x, rect.y, rect.w, rect.h, wxSIZE_USE_EXISTING);
+    const auto again = std::make_shared<bool>(true);
+    frame.Bind(wxEVT_SHOW, [&frame, position, again](wxShowEvent& event) {
+        event.Skip();
+        if (event.IsShown() && std::exchange(*again, false))
+            frame.CallAfter([&frame, position] { moveTo(frame, position); });
+    });
 }
 
 wxString openFilter() {

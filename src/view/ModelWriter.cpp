@@ -66,8 +66,10 @@ std::string bytesOf(const fs::path& path) {
 /// Puts a model's images beside the file it is written to, and takes their former names back.
 class ImagesBeside {
 public:
-    ImagesBeside(const fs::path& folder, const std::string& sourceFolder)
-        : m_folder(folder), m_lookup(new osgDB::Options) {
+    /// @param path of the model that is written.
+    ImagesBeside(const std::string& path, const std::string& sourceFolder)
+        : m_folder(path.substr(0, path.size() - osgDB::getSimpleFileName(path).size())),
+          m_lookup(new osgDB::Options) {
         m_lookup->getDatabasePathList().push_front(sourceFolder);
     }
 
@@ -102,12 +104,12 @@ private:
             name = osgDB::getNameLessExtension(wanted) + "_" + std::to_string(copy) + "." +
                    osgDB::getFileExtension(wanted);
         m_taken.insert(name);
-        const fs::path target = m_folder / name;
+        const std::string target = m_folder + name;
         std::error_code error;
         if (!source.empty())
             fs::copy_file(source, target, fs::copy_options::skip_existing, error);
         else
-            osgDB::writeImageFile(image, target.string());
+            osgDB::writeImageFile(image, target);
         return name;
     }
 
@@ -120,7 +122,7 @@ private:
     bool isFree(const std::string& name, const std::string& source) const {
         if (m_taken.count(name))
             return false;
-        const fs::path target = m_folder / name;
+        const fs::path target = m_folder + name;
         std::error_code error;
         if (!fs::exists(target, error))
             return true;
@@ -128,7 +130,7 @@ private:
                (fs::equivalent(source, target, error) || bytesOf(source) == bytesOf(target));
     }
 
-    fs::path m_folder;
+    std::string m_folder; ///< with its separator, in the local encoding
     osg::ref_ptr<osgDB::Options> m_lookup;
     std::set<std::string> m_taken;
     std::vector<std::pair<osg::ref_ptr<osg::Image>, std::string>> m_formerNames;
@@ -163,7 +165,7 @@ bool writeModel(osg::Node& model, ModelUpdateCallback* callback, const std::stri
     const osg::ref_ptr<osgDB::Options> options = new osgDB::Options("WriteImageHint=UseExternal");
     const CallbackOff withoutCallback(model, callback);
     try {
-        ImagesBeside images(fs::path(path).parent_path(), sourceFolder);
+        ImagesBeside images(path, sourceFolder);
         images.place(model);
         return osgDB::writeNodeFile(model, path, options.get());
     } catch (const std::exception& failure) {

@@ -1,0 +1,125 @@
+#include "EmbeddedFiles.h"
+#include "platform/Platform.h"
+
+#include <direct.h>
+#include <io.h>
+#include <wx/bitmap.h>
+#include <wx/icon.h>
+#include <wx/msw/wrapwin.h>
+#include <wx/strconv.h>
+#include <wx/utils.h>
+#include <wx/vector.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+namespace orbisk::platform {
+
+namespace {
+
+/// The scales, in percent, at which each icon stands in the executable.
+constexpr int iconScales[] = {100, 125, 150, 175, 200, 300};
+constexpr int wholeScale = 100;
+constexpr int programIconSides[] = {16, 24, 32, 48, 64, 128, 256};
+
+/// The executable's icon of this name at this size; not a usable one where there is none.
+wxIcon iconOfSide(const std::string& name, int side) {
+    return wxIcon(wxString::FromUTF8(name).Upper(), wxBITMAP_TYPE_ICO_RESOURCE, side, side);
+}
+
+bool goesNowhere(std::FILE* stream) {
+    return _get_osfhandle(_fileno(stream)) < 0;
+}
+
+/// A windowed program has no console. One that is called from a console with options was asked for
+/// a text or a picture, not for a window: it answers there, unless its output was redirected.
+void answerInConsole() {
+    const auto isOption = [](const char* argument) { return argument[0] == '-'; };
+    if (std::none_of(__argv + 1, __argv + __argc, isOption) ||
+        !AttachConsole(ATTACH_PARENT_PROCESS))
+        return;
+    for (std::FILE* stream : {stdout, stderr})
+        if (goesNowhere(stream))
+            std::freopen("CONOUT$", "w", stream);
+}
+
+} // namespace
+
+void prepareProcess() {
+    answerInConsole();
+    std::setlocale(LC_ALL, "");
+    settleLocale();
+}
+
+wxBitmapBundle iconResource(const std::string& name, int side) {
+    wxVector<wxBitmap> bitmaps;
+    for (const int scale : iconScales) {
+        const wxIcon icon = iconOfSide(name, side * scale / wholeScale);
+        if (icon.IsOk())
+            bitmaps.push_back(wxBitmap(icon));
+    }
+    return wxBitmapBundle::FromBitmaps(bitmaps);
+}
+
+wxBitmapBundle artwork(const std::string& name, const wxSize& size) {
+    const std::string_view svg = embeddedFile(name + ".svg");
+    if (svg.empty())
+        return {};
+    return wxBitmapBundle::FromSVG(svg.data(), size);
+}
+
+wxIconBundle programIcon() {
+    wxIconBundle icons;
+    for (const int side : programIconSides) {
+        const wxIcon icon = iconOfSide("aaaa", side);
+        if (icon.IsOk())
+            icons.AddIcon(icon);
+    }
+    return icons;
+}
+
+void openHelp(int) {
+    // One compiled file has the help in every language.
+    char folder[_MAX_PATH];
+    if (_getcwd(folder, _MAX_PATH))
+        wxExecute("hh.exe " + wxString(folder, wxConvLibc) + "\\help.chm", wxEXEC_ASYNC);
+}
+
+void closeHelp() {
+    // The system's viewer is a program of its own, which the user closes.
+}
+
+void settleLocale() {
+    std::setlocale(LC_NUMERIC, "C");
+    // The system takes narrow file names in its own code page, while the interface's language has
+    // just brought another one.
+    std::setlocale(LC_CTYPE, ("." + std::to_string(GetACP())).c_str());
+}
+
+std::string localPath(const wxString& path) {
+    const wxScopedCharBuffer bytes = path.mb_str(wxConvLocal);
+    return bytes ? std::string(bytes.data(), bytes.length()) : std::string();
+}
+
+wxString pathText(const std::string& localPath) {
+    return wxString(localPath.c_str(), wxConvLibc);
+}
+
+void makeFlat(wxWindow& button) {
+    // The system's own drawing has a border in any case; a button with a colour of its own is drawn
+    // by the toolkit, which leaves the border and the margins out.
+    button.SetBackgroundColour(button.GetParent()->GetBackgroundColour());
+}
+
+void underlineLabel(wxButton&) {
+    // An underlined font is enough here.
+}
+
+double pixelsPerUnit(const wxWindow&) {
+    // The toolkit's window coordinates are physical pixels here.
+    return 1.0;
+}
+
+} // namespace orbisk::platform
