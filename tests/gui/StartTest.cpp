@@ -1,6 +1,6 @@
 #include "app/InitPanel.h"
-#include "settings/AppSettings.h"
 #include "support/GuiTest.h"
+#include "support/TestModels.h"
 #include "view/OSGCanvas.h"
 
 namespace orbisk::test {
@@ -16,7 +16,7 @@ TEST_F(StartTest, ShowsOnlyTheWelcomePanelBeforeAModel) {
 
 TEST_F(StartTest, ReplacesTheWelcomePanelByTheCanvas) {
     start();
-    load(sample("valley.osgb"));
+    load(writeTestModel());
     EXPECT_EQ(frame()->welcomePanel(), nullptr);
     EXPECT_TRUE(frame()->canvas()->IsShownOnScreen());
     EXPECT_TRUE(frame()->viewer().exists());

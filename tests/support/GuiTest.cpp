@@ -200,7 +200,11 @@ wxPoint GuiTest::onScreen(const wxWindow& window, const wxPoint& place) {
 
 void GuiTest::close() {
     frame()->Close(true);
-    ASSERT_TRUE(runUntil([] { return frame() == nullptr && wxTopLevelWindows.empty(); }));
+    const bool gone = runUntil([] { return frame() == nullptr && wxTopLevelWindows.empty(); });
+    std::string left;
+    for (const wxWindow* window : wxTopLevelWindows)
+        left += " '" + window->GetLabel().utf8_string() + "'";
+    ASSERT_TRUE(gone) << "windows left:" << left;
 }
 
 std::string GuiTest::sample(const std::string& name) {

@@ -1,0 +1,69 @@
+// Time from the start of the process to its shown frame: the program, started for the first time,
+// against one with nothing but an empty frame.
+
+#include "support/ChildProcess.h"
+#include "support/Report.h"
+#include "support/ShownWindow.h"
+#include "support/WorkFolder.h"
+
+#include <chrono>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+namespace fs = std::filesystem;
+
+constexpr int repetitions = 11;
+constexpr auto pause = std::chrono::milliseconds(1);
+constexpr auto longestWait = std::chrono::seconds(60);
+const orbisk::bench::Subject subject{
+    "process start to shown frame", "ms",
+    orbisk::bench::Wanted{orbisk::bench::Wanted::Bound::AtMost, 2.0}};
+
+void waitFor(const orbisk::bench::ShownWindow& window, const std::string& title, bool shown) {
+    const auto limit = Clock::now() + longestWait;
+    while (window.exists(title) != shown) {
+        if (Clock::now() > limit)
+            throw std::runtime_error("waited in vain for the window " + title);
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+/// Milliseconds until the window of this title is on the screen; it is gone again afterwards.
+double timeToFrame(const orbisk::bench::ShownWindow& window, const fs::path& program,
+                   const std::string& title, const fs::path& folder) {
+    std::chrono::duration<double, std::milli> time{};
+    {
+        const auto begin = Clock::now();
+        const orbisk::bench::ChildProcess child({program.string()}, folder);
+        waitFor(window, title, true);
+        time = Clock::now() - begin;
+    }
+    waitFor(window, title, false);
+    return time.count();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    using namespace orbisk::bench;
+    Report report(argc, argv);
+    if (!report.wants(subject.name))
+        return 0;
+    const WorkFolder folder;
+    const ShownWindow window;
+    const auto ours = [&] {
+        return timeToFrame(window, fs::path(ORBISK_STAGE_DIR) / "orbisk", "Kelvane", folder.path());
+    };
+    const auto theirs = [&] {
+        return timeToFrame(window, fs::path(ORBISK_BENCH_HELPERS_DIR) / "EmptyFrame", "Empty frame",
+                           folder.path());
+    };
+    // Brings both programs and their libraries into the machine's memory.
+    interleave(1, ours, theirs);
+    report.add(subject, interleave(repetitions, ours, theirs));
+}

@@ -1,0 +1,54 @@
+#include "support/FirstFrame.h"
+
+#include "support/ChildProcess.h"
+#include "support/Terrain.h"
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace orbisk::bench {
+
+namespace {
+
+constexpr int windowWidth = 1000;
+constexpr int windowHeight = 700;
+constexpr double kibibytesPerMebibyte = 1024.0;
+constexpr double bytesPerMegabyte = 1e6;
+
+Opening run(const char* helper, std::vector<std::string> arguments,
+            const std::filesystem::path& folder) {
+    arguments.insert(arguments.begin(),
+                     (std::filesystem::path(ORBISK_BENCH_HELPERS_DIR) / helper).string());
+    std::istringstream printed(ChildProcess(arguments, folder).output());
+    Opening opening;
+    double kibibytes = 0.0;
+    if (!(printed >> opening.milliseconds >> kibibytes >> opening.width >> opening.height))
+        throw std::runtime_error(std::string(helper) + " failed");
+    opening.peakMebibytes = kibibytes / kibibytesPerMebibyte;
+    return opening;
+}
+
+} // namespace
+
+FirstFrame::FirstFrame() : m_model(writeLargeModel(m_folder.path())) {
+    m_folder.writeSettings(windowWidth, windowHeight);
+    m_first = inProgram();
+}
+
+Opening FirstFrame::inProgram() const {
+    return run("OpenInProgram", {m_model.string()}, m_folder.path());
+}
+
+Opening FirstFrame::inLibrary() const {
+    return run("OpenInLibrary",
+               {m_model.string(), std::to_string(m_first.width), std::to_string(m_first.height)},
+               m_folder.path());
+}
+
+double FirstFrame::fileMegabytes() const {
+    return static_cast<double>(std::filesystem::file_size(m_model)) / bytesPerMegabyte;
+}
+
+} // namespace orbisk::bench

@@ -1,0 +1,106 @@
+#include "support/Report.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+
+namespace orbisk::bench {
+
+namespace {
+
+constexpr std::string_view filterOption = "--benchmark_filter=";
+
+std::string figure(double value, const std::string& unit) {
+    char text[64];
+    const int decimals = value < 10.0 ? 2 : value < 1000.0 ? 1 : 0;
+    std::snprintf(text, sizeof text, "%.*f %s", decimals, value, unit.c_str());
+    return text;
+}
+
+bool isMet(const Wanted& wanted, double ratio) {
+    return wanted.bound == Wanted::Bound::AtMost ? ratio <= wanted.ratio : ratio >= wanted.ratio;
+}
+
+std::string wantedText(const std::optional<Wanted>& wanted, double ratio) {
+    if (!wanted)
+        return "-";
+    char text[64];
+    std::snprintf(text, sizeof text, "%s %.2f, %s",
+                  wanted->bound == Wanted::Bound::AtMost ? "at most" : "at least", wanted->ratio,
+                  isMet(*wanted, ratio) ? "met" : "missed");
+    return text;
+}
+
+void printRow(const char* what, const char* ours, const char* against, const char* ratio,
+              const char* wanted) {
+    std::printf("%-40s | %12s | %12s | %6s | %s\n", what, ours, against, ratio, wanted);
+    std::fflush(stdout);
+}
+
+} // namespace
+
+Samples interleave(int repetitions, const std::function<double()>& ours,
+                   const std::function<double()>& theirs) {
+    Samples samples;
+    for (int i = 0; i < repetitions; ++i) {
+        const bool oursFirst = i % 2 == 0;
+        if (oursFirst)
+            samples.ours.push_back(ours());
+        samples.theirs.push_back(theirs());
+        if (!oursFirst)
+            samples.ours.push_back(ours());
+    }
+    return samples;
+}
+
+double median(std::vector<double> figures) {
+    if (figures.empty())
+        return std::numeric_limits<double>::quiet_NaN();
+    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
+    std::nth_element(figures.begin(), middle, figures.end());
+    if (figures.size() % 2 == 1)
+        return *middle;
+    return (*middle + *std::max_element(figures.begin(), middle)) / 2.0;
+}
+
+Report::Report(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view argument = argv[i];
+        if (argument.substr(0, filterOption.size()) != filterOption)
+            continue;
+        try {
+            m_filter = std::regex(std::string(argument.substr(filterOption.size())));
+        } catch (const std::regex_error& error) {
+            std::fprintf(stderr, "%s: %s\n", argv[i], error.what());
+            std::exit(EXIT_FAILURE);
+        }
+    }
+}
+
+bool Report::wants(const std::string& name) const {
+    return !m_filter || std::regex_search(name, *m_filter);
+}
+
+void Report::add(const Subject& subject, const Samples& samples) {
+    if (!m_begun)
+        printRow("what", "ours", "against", "ratio", "wanted");
+    m_begun = true;
+    const double ours = median(samples.ours);
+    const double theirs = median(samples.theirs);
+    const double ratio = ours / theirs;
+    char ratioText[32];
+    std::snprintf(ratioText, sizeof ratioText, "%.3f", ratio);
+    printRow(subject.name.c_str(), figure(ours, subject.unit).c_str(),
+             figure(theirs, subject.unit).c_str(), ratioText,
+             wantedText(subject.wanted, ratio).c_str());
+}
+
+void Report::note(const std::string& text) {
+    std::printf("  %s\n", text.c_str());
+    std::fflush(stdout);
+}
+
+} // namespace orbisk::bench

@@ -1,0 +1,90 @@
+#include "support/ChildProcess.h"
+#include "support/GuiTest.h"
+#include "support/Screen.h"
+#include "support/TestModels.h"
+
+#include <algorithm>
+
+namespace orbisk::test {
+
+/// The program itself, as a process of its own.
+class ProgramTest : public GuiTest {
+protected:
+    static std::vector<std::string> program(const std::vector<std::string>& arguments = {}) {
+        std::vector<std::string> command{std::string(ORBISK_STAGE_DIR) + "/orbisk"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return command;
+    }
+
+    static bool waitForWindow(const Screen& screen, const std::string& title) {
+        return runUntil([&] {
+            const auto titles = screen.titles();
+            return std::find(titles.begin(), titles.end(), title) != titles.end();
+        });
+    }
+};
+
+TEST_F(ProgramTest, EndsOnASettingsFileThatIsNotJson) {
+    const std::string text = "{\n  \"project\": {,\n}";
+    writeFile("datafile.json", text);
+    ChildProcess child(program());
+    EXPECT_GT(child.wait(), 0);
+    const std::string errors = child.errorOutput();
+    EXPECT_EQ(errors.rfind("datafile.json:2:15: ", 0), 0u) << errors;
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+    EXPECT_EQ(readFile("datafile.json"), text);
+    EXPECT_EQ(child.output(), "");
+}
+
+TEST_F(ProgramTest, HelpAndVersionNeedNoDisplay) {
+    for (const char* option : {"--help", "--version"}) {
+        ChildProcess child(program({option}), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
+        EXPECT_EQ(child.wait(), 0) << option << child.errorOutput();
+        EXPECT_NE(child.output(), "");
+        EXPECT_EQ(child.errorOutput(), "");
+    }
+}
+
+TEST_F(ProgramTest, UnknownOptionIsNamed) {
+    ChildProcess child(program({"--nonsense"}), {{"DISPLAY", ""}});
+    EXPECT_GT(child.wait(), 0);
+    EXPECT_NE(child.errorOutput().find("--nonsense"), std::string::npos) << child.errorOutput();
+}
+
+TEST_F(ProgramTest, SaysSoWithoutADisplay) {
+    ChildProcess child(program(), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
+    EXPECT_GT(child.wait(), 0);
+    EXPECT_FALSE(child.errorOutput().empty());
+    EXPECT_FALSE(std::filesystem::exists("datafile.json"));
+}
+
+TEST_F(ProgramTest, WindowManagersCloseEndsItAndSavesTheSettings) {
+    writeSettings(R"({"x":100,"y":80,"w":820,"h":620})", languageEnglish);
+    ChildProcess child(program());
+    const Screen screen;
+    ASSERT_TRUE(waitForWindow(screen, "Kelvane"));
+    ASSERT_TRUE(runUntil([&] {
+        screen.closeWindow("Kelvane");
+        return !child.isRunning();
+    }));
+    EXPECT_EQ(child.wait(), 0) << child.errorOutput();
+    EXPECT_NE(readFile("datafile.json").find("\"sex_is_male\" : true"), std::string::npos);
+}
+
+TEST_F(ProgramTest, OpensTheModelOfItsCommandLine) {
+    writeSettings(R"({"x":100,"y":80,"w":820,"h":620})", languageEnglish);
+    const std::string model = writeTestModel("模型.osgb");
+    ChildProcess child(program({model}));
+    const Screen screen;
+    ASSERT_TRUE(waitForWindow(screen, "Kelvane"));
+    // The welcome panel is white; a model under a sky is not, where the panel's right edge was.
+    EXPECT_TRUE(runUntil([&] { return screen.colours(wxRect(300, 250, 400, 300)).size() > 20; }));
+    ASSERT_TRUE(runUntil([&] {
+        screen.closeWindow("Kelvane");
+        return !child.isRunning();
+    }));
+    EXPECT_EQ(child.wait(), 0) << child.errorOutput();
+    EXPECT_NE(readFile("datafile.json").find("path_recent"), std::string::npos);
+}
+
+} // namespace orbisk::test
