@@ -21,7 +21,7 @@ constexpr int repetitions = 11;
 constexpr auto pause = std::chrono::milliseconds(1);
 constexpr auto longestWait = std::chrono::seconds(60);
 const orbisk::bench::Subject subject{
-    "process start to shown frame", "ms",
+    "process start to shown frame", "ms", orbisk::bench::Choice::Lowest,
     orbisk::bench::Wanted{orbisk::bench::Wanted::Bound::AtMost, 2.0}};
 
 void waitFor(const orbisk::bench::ShownWindow& window, const std::string& title, bool shown) {
@@ -47,15 +47,11 @@ double timeToFrame(const orbisk::bench::ShownWindow& window, const fs::path& pro
     return time.count();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    using namespace orbisk::bench;
-    Report report(argc, argv);
+void measure(orbisk::bench::Report& report) {
     if (!report.wants(subject.name))
-        return 0;
-    const WorkFolder folder;
-    const ShownWindow window;
+        return;
+    const orbisk::bench::WorkFolder folder;
+    const orbisk::bench::ShownWindow window;
     const auto ours = [&] {
         return timeToFrame(window, fs::path(ORBISK_STAGE_DIR) / "orbisk", "Kelvane", folder.path());
     };
@@ -64,6 +60,12 @@ int main(int argc, char** argv) {
                            folder.path());
     };
     // Brings both programs and their libraries into the machine's memory.
-    interleave(1, ours, theirs);
-    report.add(subject, interleave(repetitions, ours, theirs));
+    orbisk::bench::interleave(1, ours, theirs);
+    report.add(subject, orbisk::bench::interleave(repetitions, ours, theirs));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    return orbisk::bench::Report::run(argc, argv, measure);
 }

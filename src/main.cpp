@@ -20,10 +20,15 @@ int fail(const std::string& message) {
     return EXIT_FAILURE;
 }
 
-int takePicture(const orbisk::CommandLine& commandLine) {
-    // What failed is said once, by this program; the library's own messages can be asked for.
+/// The scene-graph library's own messages can still be asked for.
+void limitLibraryMessages(osg::NotifySeverity level) {
     if (!std::getenv("OSG_NOTIFY_LEVEL"))
-        osg::setNotifyLevel(osg::FATAL);
+        osg::setNotifyLevel(level);
+}
+
+int takePicture(const orbisk::CommandLine& commandLine) {
+    // What failed is said once, by this program.
+    limitLibraryMessages(osg::FATAL);
     orbisk::AppSettings& settings = orbisk::appSettings();
     if (const auto error = orbisk::loadSettings(settings, {}, orbisk::settingsPathEncoding()))
         return fail(std::string(orbisk::settingsFileName) + ": " + error->message);
@@ -50,5 +55,6 @@ int main(int argc, char** argv) {
         return takePicture(commandLine);
     if (commandLine.model)
         orbisk::OrbiskApp::openAtStart(orbisk::platform::pathText(*commandLine.model));
+    limitLibraryMessages(osg::WARN);
     return wxEntry(argc, argv);
 }

@@ -17,11 +17,18 @@ constexpr int windowHeight = 700;
 constexpr double kibibytesPerMebibyte = 1024.0;
 constexpr double bytesPerMegabyte = 1e6;
 
+/// The libraries print remarks of their own before.
+std::string lastLine(std::string text) {
+    if (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    return text.substr(text.rfind('\n') + 1);
+}
+
 Opening run(const char* helper, std::vector<std::string> arguments,
             const std::filesystem::path& folder) {
     arguments.insert(arguments.begin(),
                      (std::filesystem::path(ORBISK_BENCH_HELPERS_DIR) / helper).string());
-    std::istringstream printed(ChildProcess(arguments, folder).output());
+    std::istringstream printed(lastLine(ChildProcess(arguments, folder).output()));
     Opening opening;
     double kibibytes = 0.0;
     if (!(printed >> opening.milliseconds >> kibibytes >> opening.width >> opening.height))

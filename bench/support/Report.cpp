@@ -1,10 +1,9 @@
 #include "support/Report.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <limits>
+#include <exception>
 #include <string_view>
 
 namespace orbisk::bench {
@@ -12,6 +11,25 @@ namespace orbisk::bench {
 namespace {
 
 constexpr std::string_view filterOption = "--benchmark_filter=";
+
+double median(std::vector<double> figures) {
+    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
+    std::nth_element(figures.begin(), middle, figures.end());
+    if (figures.size() % 2 == 1)
+        return *middle;
+    return (*middle + *std::max_element(figures.begin(), middle)) / 2.0;
+}
+
+double chosen(Choice choice, const std::vector<double>& figures) {
+    switch (choice) {
+    case Choice::Lowest:
+        return *std::min_element(figures.begin(), figures.end());
+    case Choice::Highest:
+        return *std::max_element(figures.begin(), figures.end());
+    default:
+        return median(figures);
+    }
+}
 
 std::string figure(double value, const std::string& unit) {
     char text[64];
@@ -56,27 +74,23 @@ Samples interleave(int repetitions, const std::function<double()>& ours,
     return samples;
 }
 
-double median(std::vector<double> figures) {
-    if (figures.empty())
-        return std::numeric_limits<double>::quiet_NaN();
-    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
-    std::nth_element(figures.begin(), middle, figures.end());
-    if (figures.size() % 2 == 1)
-        return *middle;
-    return (*middle + *std::max_element(figures.begin(), middle)) / 2.0;
-}
-
 Report::Report(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
         if (argument.substr(0, filterOption.size()) != filterOption)
             continue;
-        try {
-            m_filter = std::regex(std::string(argument.substr(filterOption.size())));
-        } catch (const std::regex_error& error) {
-            std::fprintf(stderr, "%s: %s\n", argv[i], error.what());
-            std::exit(EXIT_FAILURE);
-        }
+        m_filter = std::regex(std::string(argument.substr(filterOption.size())));
+    }
+}
+
+int Report::run(int argc, char** argv, const std::function<void(Report&)>& measure) {
+    try {
+        Report report(argc, argv);
+        measure(report);
+        return EXIT_SUCCESS;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s: %s\n", argv[0], failure.what());
+        return EXIT_FAILURE;
     }
 }
 
@@ -88,8 +102,8 @@ void Report::add(const Subject& subject, const Samples& samples) {
     if (!m_begun)
         printRow("what", "ours", "against", "ratio", "wanted");
     m_begun = true;
-    const double ours = median(samples.ours);
-    const double theirs = median(samples.theirs);
+    const double ours = chosen(subject.choice, samples.ours);
+    const double theirs = chosen(subject.choice, samples.theirs);
     const double ratio = ours / theirs;
     char ratioText[32];
     std::snprintf(ratioText, sizeof ratioText, "%.3f", ratio);

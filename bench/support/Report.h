@@ -15,10 +15,15 @@ struct Wanted {
     double ratio;
 };
 
+/// Which of a side's figures stands for it. Where the same work is done each time, whatever else
+/// the machine does can only add to it, and the fastest tells most.
+enum class Choice { Median, Lowest, Highest };
+
 /// One comparison: what is measured, in which unit, and what is wanted of it, if anything.
 struct Subject {
     std::string name;
     std::string unit;
+    Choice choice;
     std::optional<Wanted> wanted;
 };
 
@@ -33,26 +38,26 @@ struct Samples {
 Samples interleave(int repetitions, const std::function<double()>& ours,
                    const std::function<double()>& theirs);
 
-/// The middle one of `figures`; not a number without any.
-double median(std::vector<double> figures);
-
 /// Prints the comparisons of one program as a table, as they come.
 class Report {
 public:
-    /// Takes the option `--benchmark_filter=REGEX`: subjects it does not find are left out. Ends
-    /// the program where it is no regular expression.
-    Report(int argc, char** argv);
+    /// What a benchmark's `main` does: runs `measure` and returns the exit code. With the option
+    /// `--benchmark_filter=REGEX` subjects that it does not find are left out. A failure of any
+    /// kind is told.
+    static int run(int argc, char** argv, const std::function<void(Report&)>& measure);
 
     /// Whether a subject of this name is to be measured.
     bool wants(const std::string& name) const;
 
-    /// Prints a row: the medians of both sides and their ratio.
+    /// Prints a row: the chosen figure of each side and the ratio of the two.
     void add(const Subject& subject, const Samples& samples);
 
     /// Prints a remark below the rows so far.
     static void note(const std::string& text);
 
 private:
+    Report(int argc, char** argv);
+
     std::optional<std::regex> m_filter;
     bool m_begun = false;
 };

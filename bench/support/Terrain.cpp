@@ -7,8 +7,7 @@
 #include <osgDB/WriteFile>
 
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
+#include <stdexcept>
 
 namespace orbisk::bench {
 
@@ -106,10 +105,8 @@ osg::ref_ptr<osg::Group> makeTerrain(const TerrainSize& size) {
 
 std::filesystem::path writeLargeModel(const std::filesystem::path& folder) {
     std::filesystem::path path = folder / "large.osgb";
-    if (!osgDB::writeNodeFile(*makeTerrain(largeModel), path.string())) {
-        std::fprintf(stderr, "cannot write %s\n", path.c_str());
-        std::exit(EXIT_FAILURE);
-    }
+    if (!osgDB::writeNodeFile(*makeTerrain(largeModel), path.string()))
+        throw std::runtime_error("cannot write " + path.string());
     return path;
 }
 

@@ -17,8 +17,8 @@ struct TerrainSize {
 /// Builds the terrain, with a normal at every vertex; two of the same size are equal.
 osg::ref_ptr<osg::Group> makeTerrain(const TerrainSize& size);
 
-/// Writes a terrain of two million vertices, some 100 MB, into `folder`. @return its path; ends
-/// the program where it cannot be written.
+/// Writes a terrain of two million vertices, some 100 MB, into `folder`. @return its path. Throws
+/// where it cannot be written.
 std::filesystem::path writeLargeModel(const std::filesystem::path& folder);
 
 } // namespace orbisk::bench

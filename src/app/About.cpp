@@ -38,9 +38,9 @@ void showAbout(wxWindow* parent) {
                                      wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
     heading->SetFont(wxFontInfo(headingPoints).Family(wxFONTFAMILY_SWISS).Bold());
     auto* column = new wxBoxSizer(wxVERTICAL);
-    column->Add(heading, wxSizerFlags().Centre().Border(wxALL, border));
+    column->Add(heading, wxSizerFlags().Centre().Border(wxALL, dialog.FromDIP(border)));
     column->Add(new wxStaticText(&dialog, wxID_ANY, aboutText()),
-                wxSizerFlags().Expand().Border(wxALL, border));
+                wxSizerFlags().Expand().Border(wxALL, dialog.FromDIP(border)));
     dialog.SetSizerAndFit(column);
     dialog.CentreOnScreen(wxBOTH);
     dialog.ShowModal();

@@ -1,6 +1,5 @@
 #include "app/CommandBars.h"
 
-#include "app/RecentFiles.h"
 #include "app/SettingsText.h"
 #include "platform/Platform.h"
 
@@ -62,9 +61,8 @@ CommandBars::CommandBars(wxFrame& frame, CommandHandlers handlers)
             bindCommand(row.command, toolId(row.command));
         }
     }
-    static_assert(recentCount == maxRecentFiles);
-    const wxWindowID firstRecent = wxWindow::NewControlId(static_cast<int>(recentCount));
-    for (std::size_t i = 0; i < recentCount; ++i) {
+    const wxWindowID firstRecent = wxWindow::NewControlId(static_cast<int>(maxRecentFiles));
+    for (std::size_t i = 0; i < maxRecentFiles; ++i) {
         m_recentIds[i] = firstRecent + static_cast<wxWindowID>(i);
         m_frame.Bind(
             wxEVT_MENU, [this, i](wxCommandEvent&) { m_handlers.openRecent(i); }, recentId(i));
@@ -107,12 +105,14 @@ void CommandBars::buildMenuBar(const std::vector<std::string>& recentFiles) {
     m_frame.SetMenuBar(bar);
 }
 
-void CommandBars::removeMenuBar() {
+void CommandBars::removeBars() {
     wxMenuBar* bar = m_frame.GetMenuBar();
     m_frame.SetMenuBar(nullptr);
     delete bar;
     m_recentMenu = nullptr;
     m_languageMenu = nullptr;
+    m_toolBarPanel = nullptr;
+    m_toolBar = nullptr;
 }
 
 wxPanel* CommandBars::buildToolBar() {
@@ -135,7 +135,7 @@ wxPanel* CommandBars::buildToolBar() {
 }
 
 void CommandBars::showRecentFiles(const std::vector<std::string>& recentFiles) {
-    const std::size_t shown = std::min(recentFiles.size(), recentCount);
+    const std::size_t shown = std::min(recentFiles.size(), maxRecentFiles);
     // Items are relabelled rather than replaced: the one that was chosen may be at work.
     while (m_recentMenu->GetMenuItemCount() > shown)
         m_recentMenu->Destroy(m_recentMenu->GetMenuItems().back());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/CommandTable.h"
+#include "app/RecentFiles.h"
 
 #include <wx/aui/auibar.h>
 #include <wx/frame.h>
@@ -34,8 +35,8 @@ public:
     /// Builds the tool bar on a panel of its own, a child of the frame; gives the panel.
     wxPanel* buildToolBar();
 
-    /// Takes the menu bar off the frame and destroys it.
-    void removeMenuBar();
+    /// Destroys the menu bar and forgets the tool bar, which goes with the frame's children.
+    void removeBars();
 
     /// Rewrites the "Recent Files" submenu.
     void showRecentFiles(const std::vector<std::string>& recentFiles);
@@ -57,8 +58,6 @@ public:
     wxPanel* toolBarPanel() const { return m_toolBarPanel; }
 
 private:
-    static constexpr std::size_t recentCount = 10;
-
     void bindCommand(Command command, wxWindowID id);
     void appendItem(wxMenu& menu, const CommandRow& row);
 
@@ -66,7 +65,7 @@ private:
     CommandHandlers m_handlers;
     std::array<wxWindowIDRef, commandCount> m_menuIds;
     std::array<wxWindowIDRef, commandCount> m_toolIds;
-    std::array<wxWindowIDRef, recentCount> m_recentIds;
+    std::array<wxWindowIDRef, maxRecentFiles> m_recentIds;
     wxMenu* m_recentMenu = nullptr;
     wxMenu* m_languageMenu = nullptr;
     wxPanel* m_toolBarPanel = nullptr;

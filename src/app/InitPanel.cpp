@@ -13,6 +13,7 @@
 #include <wx/statbmp.h>
 #include <wx/stattext.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -119,9 +120,7 @@ wxSizer* InitPanel::buildHeader() {
     auto* header = new wxBoxSizer(wxHORIZONTAL);
     header->Add(new wxStaticBitmap(m_page, wxID_ANY, platform::artwork("welcome", pictureSize)),
                 wxSizerFlags().Centre().Border(wxRIGHT, FromDIP(wideGap)));
-    header->Add(texts, wxSizerFlags().Centre().Border(wxRIGHT, FromDIP(wideGap)));
-    header->Add(new wxStaticBitmap(m_page, wxID_ANY, platform::artwork("banner", bannerSize)),
-                wxSizerFlags().Centre());
+    header->Add(texts, wxSizerFlags().Centre());
     return header;
 }
 
@@ -129,7 +128,10 @@ wxSizer* InitPanel::buildButtons() {
     auto* row = new wxBoxSizer(wxHORIZONTAL);
     row->Add(buildCaptionedButton("icon_open48", _("Open file"), &InitPanel::onOpen),
              wxSizerFlags().Border(wxRIGHT, FromDIP(wideGap)));
-    row->Add(buildCaptionedButton("icon_help48", _("Help file"), &InitPanel::onHelp));
+    row->Add(buildCaptionedButton("icon_help48", _("Help file"), &InitPanel::onHelp),
+             wxSizerFlags().Border(wxRIGHT, FromDIP(wideGap)));
+    row->Add(new wxStaticBitmap(m_page, wxID_ANY, platform::artwork("banner", bannerSize)),
+             wxSizerFlags().Centre());
     return row;
 }
 
@@ -150,8 +152,10 @@ wxSizer* InitPanel::buildRecentFiles() {
     column->Add(makeText(m_page, _("Recent files"), plainFont()),
                 wxSizerFlags().Border(wxBOTTOM, FromDIP(gap)));
     auto* rows = new wxFlexGridSizer(2, 0, FromDIP(gap));
-    wxWindowID index = 0;
-    for (const std::string& path : appSettings().path_recent) {
+    const auto& recent = appSettings().path_recent;
+    const auto shown = static_cast<wxWindowID>(std::min(recent.size(), maxRecentFiles));
+    for (wxWindowID index = 0; index < shown; ++index) {
+        const std::string& path = recent[static_cast<std::size_t>(index)];
         auto* entry = new wxButton(
             m_page, entryBase() + index, wxControl::EscapeMnemonics(recentPathText(path)),
             wxDefaultPosition, wxDefaultSize, wxBORDER_NONE | wxBU_LEFT | wxBU_EXACTFIT);
@@ -168,7 +172,6 @@ wxSizer* InitPanel::buildRecentFiles() {
         platform::makeFlat(*trash);
         rows->Add(entry, wxSizerFlags().CentreVertical());
         rows->Add(trash, wxSizerFlags().CentreVertical());
-        ++index;
     }
     column->Add(rows);
     return column;
@@ -196,7 +199,11 @@ void InitPanel::onDelete(wxCommandEvent& event) {
     if (index < 0 || index >= static_cast<int>(maxRecentFiles))
         return;
     removeRecentFile(static_cast<std::size_t>(index), appSettings().path_recent);
-    // The button that was clicked is one of the children that go: after its event is over.
+    refresh();
+}
+
+void InitPanel::refresh() {
+    // The button that was clicked may be one of the children that go: after its event is over.
     CallAfter([this] {
         SetSizer(nullptr);
         DestroyChildren();

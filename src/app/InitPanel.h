@@ -22,6 +22,9 @@ class InitPanel : public wxPanel {
 public:
     InitPanel(wxWindow* parent, wxWindowID id, InitPanelActions actions);
 
+    /// Shows the recent files as they are now, after the event at work.
+    void refresh();
+
     /// First of the ten ids of the entry buttons, and of the delete buttons; entry i has base + i.
     static wxWindowID entryBase();
     static wxWindowID deleteBase();

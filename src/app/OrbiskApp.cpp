@@ -6,12 +6,14 @@
 #include "settings/AppSettings.h"
 #include "settings/SettingsFile.h"
 
+#include <wx/filename.h>
 #include <wx/image.h>
 #include <wx/socket.h>
 #include <wx/utils.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 wxIMPLEMENT_APP_NO_MAIN(orbisk::OrbiskApp);
 
@@ -37,10 +39,23 @@ void loadSettingsOrEnd() {
     std::_Exit(EXIT_FAILURE);
 }
 
+/// Opens the model of the start once the frame has its place on the display, or the progress dialog
+/// would not know where to stand.
+void openOnceShown(OrbiskFrame& frame) {
+    frame.Bind(wxEVT_SHOW, [&frame](wxShowEvent& event) {
+        event.Skip();
+        const wxString path = std::exchange(modelAtStart(), wxString());
+        if (event.IsShown() && !path.empty())
+            frame.CallAfter([&frame, path] { frame.CallAfter(&OrbiskFrame::openFile, path); });
+    });
+}
+
 } // namespace
 
 void OrbiskApp::openAtStart(const wxString& path) {
-    modelAtStart() = path;
+    wxFileName file(path);
+    file.MakeAbsolute();
+    modelAtStart() = file.GetFullPath();
 }
 
 bool OrbiskApp::OnInit() {
@@ -49,10 +64,10 @@ bool OrbiskApp::OnInit() {
     wxSocketBase::Initialize();
     wxInitAllImageHandlers();
     auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
+    if (!modelAtStart().empty())
+        openOnceShown(*frame);
     frame->Show(true);
     SetTopWindow(frame);
-    if (!modelAtStart().empty())
-        frame->CallAfter(&OrbiskFrame::openFile, modelAtStart());
     return true;
 }
 

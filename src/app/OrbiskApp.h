@@ -15,7 +15,7 @@ public:
     /// Installs the texts of the settings' language.
     void setUpLocale();
 
-    /// A model to open once the frame stands, as if chosen from the menu. Before `OnInit`.
+    /// A model to open once the frame is shown, as if chosen from the menu. Before `OnInit`.
     static void openAtStart(const wxString& path);
 
 private:

@@ -118,12 +118,16 @@ OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id) : m_docking(nullptr) {
 
 OrbiskFrame::~OrbiskFrame() {
     platform::closeHelp();
+    saveSettingsWithPlace();
+    m_viewer.detachCanvas();
+    m_docking.UnInit();
+}
+
+void OrbiskFrame::saveSettingsWithPlace() {
     const wxPoint position = GetPosition();
     const wxSize size = GetSize();
     appSettings().rect = {position.x, position.y, size.x, size.y};
     saveSettings(appSettings(), settingsPathEncoding());
-    m_viewer.detachCanvas();
-    m_docking.UnInit();
 }
 
 void OrbiskFrame::placeOnDisplay() {
@@ -194,10 +198,14 @@ void OrbiskFrame::rebuildContents() {
     const wxAuiPaneInfoArray panes = m_docking.GetAllPanes();
     for (std::size_t i = 0; i < panes.GetCount(); ++i)
         m_docking.DetachPane(panes[i].window);
-    m_bars->removeMenuBar();
+    m_bars->removeBars();
     SetStatusBar(nullptr);
-    DestroyChildren();
+    m_canvas = nullptr;
     m_welcomePanel = nullptr;
+    // The manager's hint window is one of the children, and it must not keep a pointer to it.
+    m_docking.SetFlags(wxAUI_MGR_DEFAULT & ~wxAUI_MGR_TRANSPARENT_HINT);
+    DestroyChildren();
+    m_docking.SetFlags(wxAUI_MGR_DEFAULT);
     SetTitle(_("Kelvane"));
     buildContents();
     for (const Command command : checked)
@@ -226,8 +234,11 @@ void OrbiskFrame::replaceWelcomePanel() {
 }
 
 void OrbiskFrame::openFile(const wxString& path) {
-    if (addRecentFile(recentPath(path), appSettings().path_recent))
+    if (addRecentFile(recentPath(path), appSettings().path_recent)) {
         m_bars->showRecentFiles(appSettings().path_recent);
+        if (m_welcomePanel)
+            m_welcomePanel->refresh();
+    }
     m_loader->start(path);
 }
 
@@ -253,8 +264,10 @@ void OrbiskFrame::stretchToolBar() {
     wxPanel* panel = m_bars->toolBarPanel();
     if (!panel || appSettings().tool_show == 0)
         return;
-    const wxSize size(GetClientSize().x, panel->GetSize().y);
+    const wxSize size(GetClientSize().x, panel->GetBestSize().y);
     panel->SetSize(size);
+    // The docking manager may have given this very size already, without a layout.
+    panel->Layout();
     m_docking.GetPane(toolBarPane).BestSize(size);
 }
 
@@ -282,6 +295,8 @@ void OrbiskFrame::onClose(wxCloseEvent& event) {
         m_closeAfterLoad = true;
         if (event.CanVeto())
             event.Veto();
+        else
+            saveSettingsWithPlace(); // The session ends, and may not wait.
         return;
     }
     Destroy();

@@ -47,6 +47,7 @@ public:
 
 private:
     void placeOnDisplay();
+    void saveSettingsWithPlace();
     void buildContents();
     void buildCanvasPane();
     void buildWelcomePane();

@@ -10,7 +10,7 @@ bool addRecentFile(const std::string& path, std::vector<std::string>& recent) {
     const auto known = std::find(recent.begin(), recent.end(), path);
     if (known != recent.end())
         recent.erase(known);
-    else if (recent.size() >= maxRecentFiles)
+    if (recent.size() >= maxRecentFiles)
         recent.resize(maxRecentFiles - 1);
     recent.insert(recent.begin(), path);
     return true;

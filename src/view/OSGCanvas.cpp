@@ -5,18 +5,23 @@
 
 #include <wx/dcclient.h>
 
+#include <algorithm>
+
 namespace orbisk {
 
 namespace {
+
+constexpr unsigned int panButton = 2;
+constexpr unsigned int zoomButton = 3;
 
 /// The viewer's number of a toolkit button: the right button drives what the trackball takes as
 /// its middle one (pan), the middle button what it takes as its right one (zoom).
 unsigned int viewerButton(int toolkitButton) {
     switch (toolkitButton) {
     case wxMOUSE_BTN_MIDDLE:
-        return 3;
+        return zoomButton;
     case wxMOUSE_BTN_RIGHT:
-        return 2;
+        return panButton;
     default:
         return static_cast<unsigned int>(toolkitButton);
     }
@@ -70,7 +75,8 @@ void OSGCanvas::setScene(osgViewer::Viewer* viewer, osg::Switch* modelSwitch) {
 ViewSize OSGCanvas::pixelSize() const {
     const double scale = platform::pixelsPerUnit(*this);
     const wxSize size = GetClientSize();
-    return {wxRound(size.x * scale), wxRound(size.y * scale)};
+    // A canvas squeezed to nothing would have no aspect ratio, nor get one back by growing.
+    return {std::max(1, wxRound(size.x * scale)), std::max(1, wxRound(size.y * scale))};
 }
 
 osg::Vec2f OSGCanvas::pixelPosition(const wxMouseEvent& event) const {
@@ -89,8 +95,7 @@ double OSGCanvas::eventTime() const {
 void OSGCanvas::onSize(wxSizeEvent& event) {
     event.Skip();
     const ViewSize size = pixelSize();
-    // A canvas squeezed to nothing has no aspect ratio; the next real size sets all right.
-    if (!m_graphicsWindow || size.w <= 0 || size.h <= 0)
+    if (!m_graphicsWindow)
         return;
     // A frame in flight reads the viewport that resizing changes.
     const ThreadingPause pause(m_viewer.get());

@@ -30,7 +30,7 @@ public:
     /// Takes over what measuring picks on and draws into.
     void setScene(osgViewer::Viewer* viewer, osg::Switch* modelSwitch);
 
-    /// Client size in physical pixels.
+    /// Client size in physical pixels, at least one each way.
     ViewSize pixelSize() const;
 
     wxPoint pressPosition() const { return m_pressPosition; }

@@ -1,4 +1,5 @@
 #include "support/GuiTest.h"
+#include "support/Screen.h"
 #include "support/TestModels.h"
 #include "view/OSGCanvas.h"
 
@@ -79,6 +80,25 @@ TEST_F(CanvasDragTest, MiddleButtonChangesTheDistance) {
     drag(wxMOUSE_BTN_MIDDLE);
     EXPECT_NEAR((direction() - before).length(), 0.0, 1e-6);
     EXPECT_GT(std::abs(distance() - distanceBefore), 0.01 * distanceBefore);
+}
+
+TEST_F(CanvasDragTest, WheelChangesTheDistanceBothWays) {
+    startWithModel();
+    const Screen screen;
+    wxUIActionSimulator mouse;
+    mouse.MouseMove(onScreen(*frame()->canvas(), wxPoint(200, 200)));
+    runFor(0.3);
+    const double before = distance();
+    screen.turnWheel(true);
+    ASSERT_TRUE(runUntil([&] { return std::abs(distance() - before) > 0.01 * before; }, 10.0));
+    runFor(0.2);
+    const double away = distance();
+    screen.turnWheel(false);
+    ASSERT_TRUE(runUntil([&] { return std::abs(distance() - away) > 0.01 * away; }, 10.0));
+    runFor(0.2);
+    // The way back goes the other way.
+    EXPECT_LT((before - away) * (distance() - away), 2.0 * (before - away) * (before - away));
+    EXPECT_GT((before - away) * (distance() - away), 0.0);
 }
 
 TEST_F(CanvasDragTest, PointerWithoutAButtonDoesNothing) {

@@ -119,8 +119,8 @@ TEST_P(CheckCommandTest, IsUncheckedByResetModelOnlyIfItMeasures) {
 
 INSTANTIATE_TEST_SUITE_P(All, CheckCommandTest,
                          ::testing::Values(Command::PointCloud, Command::Tin, Command::Gray,
-                                           Command::PointPick, Command::LinePick,
-                                           Command::AreaPick, Command::AutomaticRoam),
+                                           Command::PointPick, Command::LinePick, Command::AreaPick,
+                                           Command::AutomaticRoam),
                          labelOf);
 
 } // namespace orbisk::test

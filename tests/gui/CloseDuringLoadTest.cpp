@@ -4,10 +4,10 @@
 #include "support/TestModels.h"
 #include "support/TestReader.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <fstream>
-
-#include <sys/stat.h>
 
 namespace orbisk::test {
 
@@ -83,7 +83,8 @@ TEST_F(CloseDuringLoadTest, WindowManagersCloseDoesNoHarm) {
     ASSERT_NE(frame(), nullptr);
     EXPECT_TRUE(isReading());
     openGate();
-    ASSERT_TRUE(runUntil([] { return !isReading() && (!frame() || !frame()->loader().isLoading()); }));
+    ASSERT_TRUE(
+        runUntil([] { return !isReading() && (!frame() || !frame()->loader().isLoading()); }));
     runFor(0.3);
     if (frame()) {
         EXPECT_TRUE(screen.closeWindow(frame()->GetTitle().utf8_string()));

@@ -70,8 +70,8 @@ TEST_F(DisplayModeTest, UncheckingShowsTheModelAsLoaded) {
 TEST_F(DisplayModeTest, CheckingEndsMeasuring) {
     start();
     load(writeTestModel());
-    for (const Command measuring : {Command::PointPick, Command::LinePick, Command::AreaPick,
-                                    Command::AutomaticRoam}) {
+    for (const Command measuring :
+         {Command::PointPick, Command::LinePick, Command::AreaPick, Command::AutomaticRoam}) {
         choose(measuring);
         ASSERT_TRUE(menuItem(measuring).IsChecked());
         choose(Command::Tin);

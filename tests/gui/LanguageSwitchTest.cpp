@@ -178,14 +178,6 @@ TEST_F(LanguageSwitchTest, TenSwitchesLeaveNothingBehind) {
     EXPECT_TRUE(showsTheModel());
 }
 
-TEST_F(LanguageSwitchTest, ZProbe) {
-    if (getenv("NOMODEL")) start(); else startWithModel();
-    for (int i = 0; i < 60; ++i) {
-        switchTo(i % 2);
-        if (i % 5 == 0) fprintf(stderr, "RSS %d %ld\n", i, residentKilobytes());
-    }
-}
-
 TEST_F(LanguageSwitchTest, ProgramEndsWellAfterwards) {
     startWithModel();
     switchTo(languageChinese);

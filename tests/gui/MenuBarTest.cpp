@@ -1,6 +1,8 @@
 #include "support/GuiTest.h"
 #include "support/TestModels.h"
 
+#include <wx/uiaction.h>
+
 #include <algorithm>
 #include <set>
 
@@ -44,8 +46,8 @@ TEST_F(MenuBarTest, HasSixMenusInOrder) {
 
 TEST_F(MenuBarTest, FileMenuEndsWithASeparator) {
     start();
-    EXPECT_EQ(itemsOf(0), (Items{"Open", "Open URL", "Recent Files >", "-", "Save", "-", "Quit",
-                                 "-"}));
+    EXPECT_EQ(itemsOf(0),
+              (Items{"Open", "Open URL", "Recent Files >", "-", "Save", "-", "Quit", "-"}));
 }
 
 TEST_F(MenuBarTest, OtherMenusHaveTheirItems) {
@@ -108,8 +110,7 @@ TEST_F(MenuBarTest, IdentifiersAreMadeInTheOrderOfTheCommands) {
         if (row.menu != CommandMenu::None)
             ids.push_back(frame()->bars().menuId(row.command));
     // The toolkit counts down, which is its own affair.
-    EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()) ||
-                std::is_sorted(ids.rbegin(), ids.rend()));
+    EXPECT_TRUE(std::is_sorted(ids.begin(), ids.end()) || std::is_sorted(ids.rbegin(), ids.rend()));
 }
 
 TEST_F(MenuBarTest, IdentifiersOutliveALanguageSwitch) {
@@ -165,6 +166,22 @@ TEST_F(MenuBarTest, QuitEndsTheProgram) {
     frame()->CallAfter([] { choose(Command::Quit); });
     EXPECT_TRUE(runToEnd());
     EXPECT_EQ(frame(), nullptr);
+}
+
+TEST_F(MenuBarTest, ItemsAnswerToTheKeyboard) {
+    start();
+    load(writeTestModel());
+    bool opened = false;
+    withNextDialog([&opened](wxDialog& dialog) {
+        opened = true;
+        dialog.EndModal(wxID_CANCEL);
+    });
+    wxUIActionSimulator keys;
+    keys.Char('F', wxMOD_ALT);
+    runFor(0.3);
+    // The menu is open and its first item selected.
+    keys.Char(WXK_RETURN);
+    EXPECT_TRUE(runUntil([&opened] { return opened; }, 10.0));
 }
 
 TEST_F(MenuBarTest, CommandsOfWindowsToComeDoNothingYet) {

@@ -33,9 +33,7 @@ protected:
     static void cancelNextFileDialog(SeenDialog& shown) {
         withNextDialog([&shown](wxDialog& dialog) {
             auto& files = dynamic_cast<wxFileDialog&>(dialog);
-            shown = {true,
-                     files.GetMessage().utf8_string(),
-                     files.GetWildcard().utf8_string(),
+            shown = {true, files.GetMessage().utf8_string(), files.GetWildcard().utf8_string(),
                      files.GetWindowStyle()};
             files.EndModal(wxID_CANCEL);
         });

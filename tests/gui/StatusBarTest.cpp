@@ -5,9 +5,8 @@
 #include "support/LogCapture.h"
 #include "support/TestModels.h"
 
-#include <wx/bmpbuttn.h>
-
 #include <sys/stat.h>
+#include <wx/bmpbuttn.h>
 
 namespace orbisk::test {
 
@@ -80,6 +79,13 @@ TEST_F(StatusBarTest, HoldsLogoAndLink) {
     EXPECT_EQ(link().GetForegroundColour(), wxColour(0, 0, 255));
     EXPECT_TRUE(link().GetFont().GetUnderlined());
     EXPECT_EQ(link().GetFont().GetPointSize(), bar().GetFont().GetPointSize());
+}
+
+TEST_F(StatusBarTest, LinkShowsTheWholeAddress) {
+    start();
+    runFor(0.3);
+    EXPECT_GE(link().GetSize().x, link().GetTextExtent(webAddress()).x);
+    EXPECT_GE(link().GetSize().x, link().GetBestSize().x);
 }
 
 TEST_F(StatusBarTest, LogoAndLinkStayInTheFieldAfterResizes) {

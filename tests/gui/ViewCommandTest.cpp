@@ -138,8 +138,8 @@ TEST_F(ViewCommandTest, ResetModelPutsANewTrackballAtHome) {
     start();
     load(writeTestModel());
     const osg::ref_ptr<osgGA::CameraManipulator> former = manipulator();
-    former->setByMatrix(osg::Matrixd::lookAt(osg::Vec3d(500, 400, 300), osg::Vec3d(),
-                                             osg::Vec3d(0, 0, 1)));
+    former->setByMatrix(
+        osg::Matrixd::lookAt(osg::Vec3d(500, 400, 300), osg::Vec3d(), osg::Vec3d(0, 0, 1)));
     choose(Command::ResetModel);
     EXPECT_NE(manipulator(), former);
     EXPECT_NE(dynamic_cast<osgGA::TrackballManipulator*>(manipulator()), nullptr);
@@ -157,8 +157,8 @@ TEST_F(ViewCommandTest, LaterModelMovesTheSameTrackballHome) {
     start();
     load(writeTestModel());
     const osg::ref_ptr<osgGA::CameraManipulator> former = manipulator();
-    former->setByMatrix(osg::Matrixd::lookAt(osg::Vec3d(500, 400, 300), osg::Vec3d(),
-                                             osg::Vec3d(0, 0, 1)));
+    former->setByMatrix(
+        osg::Matrixd::lookAt(osg::Vec3d(500, 400, 300), osg::Vec3d(), osg::Vec3d(0, 0, 1)));
     load(writeTestModel("second.osgb"));
     EXPECT_EQ(manipulator(), former);
     EXPECT_NEAR((eye() - frame()->viewer().home().eye).length(), 0.0, 1e-2);

@@ -25,6 +25,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(2);
+constexpr int fileDialogTries = 2000;
 constexpr const char* childVariable = "ORBISK_TEST_CHILD";
 
 void failOnAssertion(const wxString& file, int line, const wxString& function,
@@ -71,6 +72,16 @@ private:
     std::function<void(wxDialog&)> m_act;
     std::optional<int> m_answer;
 };
+
+/// Ends a file dialog with OK when it has taken up `path`: it reads the folder meanwhile.
+void endOnceChosen(wxFileDialog& files, const wxString& path, int tries) {
+    if (files.GetPath() == path || tries == 0) {
+        files.EndModal(wxID_OK);
+        return;
+    }
+    std::this_thread::sleep_for(pause);
+    files.CallAfter([&files, path, tries] { endOnceChosen(files, path, tries - 1); });
+}
 
 DialogActor& dialogActor() {
     static DialogActor actor;
@@ -223,7 +234,7 @@ void GuiTest::chooseInNextFileDialog(const std::string& path) {
     withNextDialog([path](wxDialog& dialog) {
         auto& files = dynamic_cast<wxFileDialog&>(dialog);
         files.SetPath(wxString::FromUTF8(path));
-        files.EndModal(wxID_OK);
+        endOnceChosen(files, wxString::FromUTF8(path), fileDialogTries);
     });
 }
 
@@ -245,10 +256,10 @@ bool GuiTest::inEnvironment(const Environment& environment) {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
     Environment all = environment;
     all[childVariable] = "1";
-    ChildProcess child({fs::read_symlink("/proc/self/exe").string(),
-                        std::string("--gtest_filter=") + test->test_suite_name() + "." +
-                            test->name()},
-                       all);
+    ChildProcess child(
+        {fs::read_symlink("/proc/self/exe").string(),
+         std::string("--gtest_filter=") + test->test_suite_name() + "." + test->name()},
+        all);
     EXPECT_EQ(child.wait(), 0) << child.output() << child.errorOutput();
     return false;
 }

@@ -24,8 +24,8 @@ protected:
     ~GuiTest() override;
 
     /// Starts the application; its frame is on the screen afterwards. Without a settings file of
-    /// the test's own, an English one with an 900 x 700 window stands there. After `close` it may be
-    /// started again.
+    /// the test's own, an English one with an 900 x 700 window stands there. After `close` it may
+    /// be started again.
     void start();
 
     /// Writes a settings file with this rectangle, language and recent paths.

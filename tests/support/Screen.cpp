@@ -5,6 +5,7 @@
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
 
 namespace orbisk::test {
 
@@ -106,6 +107,13 @@ bool Screen::closeWindow(const std::string& title) const {
                                  SubstructureNotifyMask | SubstructureRedirectMask, &event) != 0;
     XSync(m_display, False);
     return sent;
+}
+
+void Screen::turnWheel(bool awayFromTheUser) const {
+    const unsigned int button = awayFromTheUser ? Button4 : Button5;
+    XTestFakeButtonEvent(m_display, button, True, CurrentTime);
+    XTestFakeButtonEvent(m_display, button, False, CurrentTime);
+    XSync(m_display, False);
 }
 
 std::set<unsigned long> Screen::colours(const wxRect& rect) const {

@@ -29,6 +29,9 @@ public:
     /// @return whether there is one.
     bool closeWindow(const std::string& title) const;
 
+    /// Turns the mouse wheel by one notch where the pointer is.
+    void turnWheel(bool awayFromTheUser) const;
+
     /// The different colours in a rectangle of the screen (physical pixels).
     std::set<unsigned long> colours(const wxRect& rect) const;
 

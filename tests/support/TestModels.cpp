@@ -40,8 +40,8 @@ osg::ref_ptr<osg::Geometry> bentSquare() {
         for (unsigned int i = 0; i <= cells; ++i) {
             const osg::Vec2 place(static_cast<float>(i) / cells, static_cast<float>(j) / cells);
             const float height = 20.0f * place.x() * place.y();
-            vertices->push_back(centre + osg::Vec3((place.x() - 0.5f) * side,
-                                                   (place.y() - 0.5f) * side, height));
+            vertices->push_back(
+                centre + osg::Vec3((place.x() - 0.5f) * side, (place.y() - 0.5f) * side, height));
             places->push_back(place);
         }
     for (unsigned int j = 0; j < cells; ++j)
@@ -110,8 +110,7 @@ int polygonModeOf(const osg::Geometry* geometry) {
 
 bool isTextured(const osg::Geometry* geometry, unsigned int unit) {
     const osg::StateSet* state = geometry ? geometry->getStateSet() : nullptr;
-    return state &&
-           (state->getTextureMode(unit, GL_TEXTURE_2D) & osg::StateAttribute::ON) != 0;
+    return state && (state->getTextureMode(unit, GL_TEXTURE_2D) & osg::StateAttribute::ON) != 0;
 }
 
 } // namespace orbisk::test
