@@ -14,6 +14,7 @@
 #include <osgUtil/Optimizer>
 #include <osgViewer/Viewer>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <stdexcept>
@@ -25,7 +26,8 @@ using namespace orbisk::bench;
 using orbisk::DisplayMode;
 using Clock = std::chrono::steady_clock;
 
-constexpr int repetitions = 21;
+constexpr int leastRepetitions = 21;
+constexpr double secondsPerMode = 15.0;
 constexpr int warmUpFrames = 3;
 constexpr orbisk::ViewSize viewSize{800, 600};
 constexpr double fovy = 30.0;
@@ -150,6 +152,8 @@ public:
     }
 
     Samples framesPerSecond() {
+        const double pair = m_ours.drawFrame() + m_theirs.drawFrame();
+        const int repetitions = std::max(leastRepetitions, static_cast<int>(secondsPerMode / pair));
         return interleave(
             repetitions, [this] { return 1.0 / m_ours.drawFrame(); },
             [this] { return 1.0 / m_theirs.drawFrame(); });

@@ -44,7 +44,8 @@ wxItemKind itemKind(CommandKind kind) {
 wxString menuLabel(const std::string& path) {
     wxString label = wxControl::EscapeMnemonics(recentPathText(path));
     label.Replace("\t", " ");
-    return label;
+    // A menu has no items without a label; an edited settings file may have such a path.
+    return label.empty() ? wxString(" ") : label;
 }
 
 } // namespace

@@ -52,6 +52,9 @@ void makeFlat(wxWindow& button);
 /// Underlines a button's label where an underlined font alone does not.
 void underlineLabel(wxButton& button);
 
+/// Leaves the calling thread without a current OpenGL context.
+void leaveGraphicsContext();
+
 /// Physical pixels to a unit of the toolkit's window coordinates (mouse positions, client sizes).
 double pixelsPerUnit(const wxWindow& window);
 

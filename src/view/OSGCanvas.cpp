@@ -4,6 +4,7 @@
 #include "view/ThreadingPause.h"
 
 #include <wx/dcclient.h>
+#include <wx/thread.h>
 
 #include <algorithm>
 
@@ -26,6 +27,11 @@ unsigned int viewerButton(int toolkitButton) {
         return static_cast<unsigned int>(toolkitButton);
     }
 }
+
+/// Leaves the thread it lives in without a current context when that thread ends.
+struct ContextLeaver {
+    ~ContextLeaver() { platform::leaveGraphicsContext(); }
+};
 
 bool anyButtonDown(const wxMouseEvent& event) {
     return event.LeftIsDown() || event.MiddleIsDown() || event.RightIsDown() ||
@@ -61,6 +67,11 @@ OSGCanvas::~OSGCanvas() = default;
 
 void OSGCanvas::makeCurrent() {
     m_context.SetCurrent(*this);
+    // The main thread keeps its context; one that a draw thread ended with would never be freed.
+    if (!wxIsMainThread()) {
+        thread_local const ContextLeaver leaver;
+        static_cast<void>(leaver);
+    }
 }
 
 void OSGCanvas::setGraphicsWindow(GraphicsWindowWX* window) {

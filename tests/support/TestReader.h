@@ -6,8 +6,10 @@
 ///
 ///     seconds 3          read that long
 ///     gate               read until `openGate` was called
-///     throw memory       throw std::bad_alloc, "throw range" std::out_of_range, "throw number" an
-///     int nothing            no model is in it
+///     throw memory       throw std::bad_alloc
+///     throw range        throw std::out_of_range
+///     throw number       throw an int
+///     nothing            find no model in it
 ///
 /// What reads well is a small model.
 namespace orbisk::test {

@@ -13,8 +13,8 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 
+#include <GL/glx.h>
 #include <X11/Xlib.h>
 
 namespace orbisk::platform {
@@ -24,10 +24,11 @@ namespace {
 const wxSize helpWindowSize(1000, 720);
 constexpr int programIconSides[] = {16, 24, 32, 48, 64, 128, 256};
 
-/// The toolkit's own help viewer, kept between calls so that a second call raises it.
-std::unique_ptr<wxHtmlHelpController>& helpViewer() {
-    static std::unique_ptr<wxHtmlHelpController> viewer;
-    return viewer;
+/// A help viewer for each language (`Language`), made at its first use and never freed: its windows
+/// report to it until the very end.
+wxHtmlHelpController*& helpViewer(int language) {
+    static wxHtmlHelpController* viewers[] = {nullptr, nullptr};
+    return viewers[language == languageChinese ? 0 : 1];
 }
 
 /// Reaches the toolkit's own way of styling a widget, which it keeps for its derived classes.
@@ -89,20 +90,25 @@ void openHelp(int language) {
     const wxFileName book(pathText(runTimePath({"help", folder, "orbisk.hhp"})));
     if (!book.FileExists())
         return;
-    closeHelp();
-    // One book is no shelf: its chapters stand at the top of the contents.
-    helpViewer() = std::make_unique<wxHtmlHelpController>(wxHF_DEFAULT_STYLE | wxHF_MERGE_BOOKS);
-    helpViewer()->AddBook(book);
-    helpViewer()->DisplayContents();
-    wxFrame* window = helpViewer()->GetFrame();
+    wxHtmlHelpController*& viewer = helpViewer(language);
+    if (!viewer) {
+        // One book is no shelf: its chapters stand at the top of the contents.
+        viewer = new wxHtmlHelpController(wxHF_DEFAULT_STYLE | wxHF_MERGE_BOOKS);
+        viewer->AddBook(book);
+    }
+    const bool alreadyOpen = viewer->GetFrame() != nullptr;
+    viewer->DisplayContents();
+    wxFrame* window = viewer->GetFrame();
+    if (alreadyOpen || !window)
+        return;
     window->SetIcons(programIcon());
     window->SetSize(window->FromDIP(helpWindowSize));
 }
 
 void closeHelp() {
-    if (helpViewer() && helpViewer()->GetFrame())
-        helpViewer()->Quit();
-    helpViewer().reset();
+    for (const int language : {languageChinese, languageEnglish})
+        if (wxHtmlHelpController* viewer = helpViewer(language); viewer && viewer->GetFrame())
+            viewer->Quit();
 }
 
 void settleLocale() {
@@ -129,9 +135,15 @@ void underlineLabel(wxButton& button) {
     wxString text = button.GetLabelText();
     text.Replace("&", "&amp;");
     text.Replace("<", "&lt;");
+    text.Replace(">", "&gt;");
     // A single underscore would mark the next letter as the button's mnemonic.
     text.Replace("_", "__");
     button.SetLabelMarkup("<u>" + text + "</u>");
+}
+
+void leaveGraphicsContext() {
+    if (Display* display = glXGetCurrentDisplay())
+        glXMakeContextCurrent(display, None, None, nullptr);
 }
 
 double pixelsPerUnit(const wxWindow& window) {

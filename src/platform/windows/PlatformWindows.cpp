@@ -117,6 +117,10 @@ void underlineLabel(wxButton&) {
     // An underlined font is enough here.
 }
 
+void leaveGraphicsContext() {
+    wglMakeCurrent(nullptr, nullptr);
+}
+
 double pixelsPerUnit(const wxWindow&) {
     // The toolkit's window coordinates are physical pixels here.
     return 1.0;
