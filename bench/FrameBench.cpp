@@ -26,7 +26,7 @@ using namespace orbisk::bench;
 using orbisk::DisplayMode;
 using Clock = std::chrono::steady_clock;
 
-constexpr int leastRepetitions = 21;
+constexpr int leastRepetitions = 31;
 constexpr double secondsPerMode = 15.0;
 constexpr int warmUpFrames = 3;
 constexpr orbisk::ViewSize viewSize{800, 600};

@@ -15,7 +15,6 @@ namespace {
 constexpr int windowWidth = 1000;
 constexpr int windowHeight = 700;
 constexpr double kibibytesPerMebibyte = 1024.0;
-constexpr double bytesPerMegabyte = 1e6;
 
 /// The libraries print remarks of their own before.
 std::string lastLine(std::string text) {
@@ -52,10 +51,6 @@ Opening FirstFrame::inLibrary() const {
     return run("OpenInLibrary",
                {m_model.string(), std::to_string(m_first.width), std::to_string(m_first.height)},
                m_folder.path());
-}
-
-double FirstFrame::fileMegabytes() const {
-    return static_cast<double>(std::filesystem::file_size(m_model)) / bytesPerMegabyte;
 }
 
 } // namespace orbisk::bench

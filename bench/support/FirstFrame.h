@@ -24,9 +24,6 @@ public:
     Opening inProgram() const;
     Opening inLibrary() const;
 
-    /// Size of the model's file in megabytes.
-    double fileMegabytes() const;
-
 private:
     WorkFolder m_folder;
     std::filesystem::path m_model;

@@ -74,8 +74,8 @@ void ModelUpdateCallback::operator()(osg::Node* node, osg::NodeVisitor* visitor)
 }
 
 void ModelUpdateCallback::apply(osg::Node* node) {
-    Copies copies;
-    applyBelow(node, copies);
+    Walk walk;
+    applyBelow(node, walk);
 }
 
 void ModelUpdateCallback::attachTo(osg::Node& node) {
@@ -111,22 +111,26 @@ bool ModelUpdateCallback::walkIsDue(osg::Node& node) {
     return watch.takeChange() || mode != m_appliedMode || m_updatesSinceWalk >= updatesBetweenWalks;
 }
 
-void ModelUpdateCallback::applyBelow(osg::Node* node, Copies& copies) const {
+void ModelUpdateCallback::applyBelow(osg::Node* node, Walk& walk) const {
     if (!node)
         return;
     if (osg::Geometry* geometry = node->asGeometry()) {
-        applyToGeometry(*geometry, copies);
+        applyToGeometry(*geometry, walk);
     } else if (osg::Group* group = node->asGroup()) {
         for (unsigned int i = 0; i < group->getNumChildren(); ++i)
-            applyBelow(group->getChild(i), copies);
+            applyBelow(group->getChild(i), walk);
     }
 }
 
-void ModelUpdateCallback::applyToGeometry(osg::Geometry& geometry, Copies& copies) const {
+void ModelUpdateCallback::applyToGeometry(osg::Geometry& geometry, Walk& walk) const {
     const osg::StateSet* current = geometry.getStateSet();
-    if (shows(current))
+    if (current && current == walk.lastRight)
         return;
-    osg::ref_ptr<osg::StateSet>& copy = copies[current];
+    if (shows(current)) {
+        walk.lastRight = current;
+        return;
+    }
+    osg::ref_ptr<osg::StateSet>& copy = walk.copies[current];
     if (!copy) {
         copy = current ? new osg::StateSet(*current, osg::CopyOp::SHALLOW_COPY) : new osg::StateSet;
         copy->setAttribute(polygonMode());

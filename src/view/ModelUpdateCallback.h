@@ -57,13 +57,17 @@ protected:
 
 private:
     class BoundWatch;
-    /// Copies made in one pass, by the state set (null included) they replace.
-    using Copies = std::unordered_map<const osg::StateSet*, osg::ref_ptr<osg::StateSet>>;
+    /// What one walk remembers: the copies it made, by the state set (null included) they replace,
+    /// and the last state set it found right, for geometries that share one follow each other.
+    struct Walk {
+        std::unordered_map<const osg::StateSet*, osg::ref_ptr<osg::StateSet>> copies;
+        const osg::StateSet* lastRight = nullptr;
+    };
 
     BoundWatch& watchOn(osg::Node& node);
     bool walkIsDue(osg::Node& node);
-    void applyBelow(osg::Node* node, Copies& copies) const;
-    void applyToGeometry(osg::Geometry& geometry, Copies& copies) const;
+    void applyBelow(osg::Node* node, Walk& walk) const;
+    void applyToGeometry(osg::Geometry& geometry, Walk& walk) const;
     osg::PolygonMode* polygonMode() const;
     bool texturesOn() const;
     bool shows(const osg::StateSet* stateSet) const;

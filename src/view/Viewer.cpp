@@ -18,6 +18,8 @@ void Viewer::create(OSGCanvas& canvas, double fovy) {
     setUpCamera(*m_viewer->getCamera(), fovy, canvas.pixelSize());
     m_trackball = makeTrackball();
     m_viewer->setCameraManipulator(m_trackball, true);
+    // Pinned to one core, the main thread would pass the pin on to every thread it starts.
+    m_viewer->setUseConfigureAffinity(false);
     // Escape ends the library's own viewer; here it must not even be heard.
     m_viewer->setKeyEventSetsDone(0);
     m_viewer->setQuitEventSetsDone(false);
