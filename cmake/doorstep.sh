@@ -164,8 +164,9 @@ has_display() { [[ -n ${DISPLAY:-} || -n ${WAYLAND_DISPLAY:-} ]]; }
 # start_display WIDTHxHEIGHT: starts a virtual display and makes it the one that programs use.
 start_display() {
     local number_file=$doorstep_scratch/display number='' server end
-    # The server picks a number that is free and writes it to descriptor 3.
-    alongside Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>"$number_file"
+    # The server picks a number that is free and writes it to descriptor 3. Left to itself it starts
+    # anew whenever its last client leaves, turning away whoever asks for it in that moment.
+    alongside Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp -noreset 3>"$number_file"
     server=$alongside_pid
     end=$((SECONDS + doorstep_display_limit_s))
     # `read` fails while the line is not complete.
