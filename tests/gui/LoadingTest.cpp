@@ -77,11 +77,12 @@ TEST_F(LoadingTest, ProgressWrapsFromNinetyNineToZero) {
 
 TEST_F(LoadingTest, EveryLoadCountsFromOne) {
     start();
-    load(writeTestModel());
+    load(writeSlowModel("first.slow", "seconds 1"));
     recordProgress();
-    load(writeTestModel());
-    ASSERT_GE(m_progress.size(), 2u);
-    EXPECT_EQ(m_progress.front(), 1);
+    load(writeSlowModel("second.slow", "seconds 1"));
+    ASSERT_GE(m_progress.size(), 3u);
+    EXPECT_EQ(m_progress[0], 1);
+    EXPECT_EQ(m_progress[1], 2);
     EXPECT_EQ(std::count(m_progress.begin(), m_progress.end(), loadEnded), 1);
 }
 
