@@ -140,10 +140,10 @@ void OrbiskFrame::placeOnDisplay() {
 }
 
 void OrbiskFrame::buildContents() {
-    buildCanvasPane();
-    if (!m_viewer.exists())
+    if (m_viewer.exists())
+        ensureCanvas();
+    else
         buildWelcomePane();
-    m_docking.GetPane(canvasPane).Show(m_viewer.exists());
     SetStatusBar(
         new IconStatusBar(this, wxID_ANY, wxSTB_DEFAULT_STYLE, wxASCII_STR(wxStatusBarNameStr)));
     m_bars->buildMenuBar(appSettings().path_recent);
@@ -154,10 +154,14 @@ void OrbiskFrame::buildContents() {
     m_bars->setChecked(Command::Skybox, appSettings().sky_show != 0);
 }
 
-void OrbiskFrame::buildCanvasPane() {
+OSGCanvas& OrbiskFrame::ensureCanvas() {
+    if (m_canvas)
+        return *m_canvas;
     m_canvas = new OSGCanvas(this, wxWindow::NewControlId(), canvasAttributes, wxDefaultPosition,
                              wxDefaultSize, 0, "ID_CANVAS");
-    m_docking.AddPane(m_canvas, centrePane(canvasPane));
+    m_canvas->Hide();
+    m_docking.AddPane(m_canvas, centrePane(canvasPane).Show(m_viewer.exists()));
+    return *m_canvas;
 }
 
 void OrbiskFrame::buildWelcomePane() {
@@ -170,6 +174,12 @@ void OrbiskFrame::buildWelcomePane() {
                                            m_docking.Update();
                                        }});
     m_docking.AddPane(m_welcomePanel, centrePane(welcomePane));
+    // The canvas brings in all of OpenGL, which nobody needs before the frame can be seen.
+    m_welcomePanel->Bind(wxEVT_PAINT, [this, first = true](wxPaintEvent& event) mutable {
+        event.Skip();
+        if (std::exchange(first, false))
+            CallAfter([this] { ensureCanvas(); });
+    });
 }
 
 void OrbiskFrame::buildToolBarPane() {
@@ -229,6 +239,7 @@ void OrbiskFrame::replaceWelcomePanel() {
     m_docking.DetachPane(m_welcomePanel);
     m_welcomePanel->Destroy();
     m_welcomePanel = nullptr;
+    ensureCanvas();
     m_docking.GetPane(canvasPane).Show();
     m_docking.Update();
 }
@@ -252,7 +263,7 @@ void OrbiskFrame::createOSGViewer() {
     measurementSet().clear();
     m_bars->uncheckGroup(CommandGroup::Display);
     m_bars->uncheckGroup(CommandGroup::Measure);
-    m_viewer.showModel(*model, *m_canvas, appSettings().fovy, appSettings().sky_show != 0);
+    m_viewer.showModel(*model, ensureCanvas(), appSettings().fovy, appSettings().sky_show != 0);
 }
 
 void OrbiskFrame::onSize(wxSizeEvent& event) {

@@ -43,13 +43,15 @@ public:
     /// Null once the first model has been shown.
     InitPanel* welcomePanel() const { return m_welcomePanel; }
 
+    /// Null until the frame was seen for the first time, or a model was opened.
     OSGCanvas* canvas() const { return m_canvas; }
 
 private:
     void placeOnDisplay();
     void saveSettingsWithPlace();
     void buildContents();
-    void buildCanvasPane();
+    /// The canvas, built where there is none yet.
+    OSGCanvas& ensureCanvas();
     void buildWelcomePane();
     void buildToolBarPane();
     void stretchToolBar();

@@ -22,7 +22,7 @@ namespace orbisk::platform {
 namespace {
 
 const wxSize helpWindowSize(1000, 720);
-constexpr int programIconSides[] = {16, 24, 32, 48, 64, 128, 256};
+constexpr int programIconSides[] = {16, 24, 32, 48, 96};
 
 /// A help viewer for each language (`Language`), made at its first use and never freed: its windows
 /// report to it until the very end.
@@ -75,10 +75,11 @@ wxBitmapBundle artwork(const std::string& name, const wxSize& size) {
 }
 
 wxIconBundle programIcon() {
+    const wxBitmapBundle drawing = iconResource("aaaa", programIconSides[0]);
     wxIconBundle icons;
     for (const int side : programIconSides) {
         wxIcon icon;
-        icon.CopyFromBitmap(iconResource("aaaa", side).GetBitmap(wxSize(side, side)));
+        icon.CopyFromBitmap(drawing.GetBitmap(wxSize(side, side)));
         if (icon.IsOk())
             icons.AddIcon(icon);
     }
