@@ -124,7 +124,7 @@ OrbiskFrame::~OrbiskFrame() {
 }
 
 void OrbiskFrame::saveSettingsWithPlace() {
-    const wxPoint position = GetPosition();
+    const wxPoint position = platform::positionOnScreen(*this);
     const wxSize size = GetSize();
     appSettings().rect = {position.x, position.y, size.x, size.y};
     saveSettings(appSettings(), settingsPathEncoding());
@@ -148,8 +148,9 @@ void OrbiskFrame::buildContents() {
         new IconStatusBar(this, wxID_ANY, wxSTB_DEFAULT_STYLE, wxASCII_STR(wxStatusBarNameStr)));
     m_bars->buildMenuBar(appSettings().path_recent);
     buildToolBarPane();
+    // Without a locale the texts are the English ones of the source.
     m_bars->setChecked(
-        appSettings().language == languageEnglish ? Command::English : Command::Chinese, true);
+        appSettings().language == languageChinese ? Command::Chinese : Command::English, true);
     m_bars->setChecked(Command::Toolbar, appSettings().tool_show != 0);
     m_bars->setChecked(Command::Skybox, appSettings().sky_show != 0);
 }

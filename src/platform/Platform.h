@@ -2,6 +2,7 @@
 
 #include <wx/bmpbndl.h>
 #include <wx/button.h>
+#include <wx/frame.h>
 #include <wx/iconbndl.h>
 #include <wx/string.h>
 #include <wx/window.h>
@@ -57,5 +58,8 @@ void leaveGraphicsContext();
 
 /// Physical pixels to a unit of the toolkit's window coordinates (mouse positions, client sizes).
 double pixelsPerUnit(const wxWindow& window);
+
+/// Upper left corner of a shown frame with its decorations, on the screen.
+wxPoint positionOnScreen(const wxFrame& frame);
 
 } // namespace orbisk::platform

@@ -81,6 +81,7 @@ TEST_F(LanguageTest, OtherValueShowsTheSourceTextsWithoutAMessage) {
     LogCapture log;
     startIn(7);
     expectEnglish();
+    EXPECT_TRUE(menuItem(Command::English).IsChecked());
     EXPECT_EQ(wxGetLocale(), nullptr);
     EXPECT_TRUE(log.messages().empty());
     close();

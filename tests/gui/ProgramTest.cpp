@@ -87,4 +87,23 @@ TEST_F(ProgramTest, OpensTheModelOfItsCommandLine) {
     EXPECT_NE(readFile("datafile.json").find("path_recent"), std::string::npos);
 }
 
+TEST_F(ProgramTest, KeepsItsPlaceOverAMessageBox) {
+    writeSettings(R"({"x":100,"y":80,"w":820,"h":620})", languageEnglish);
+    ChildProcess child(program({"missing.osgb"}));
+    const Screen screen;
+    ASSERT_TRUE(waitForWindow(screen, "Orbisk Error"));
+    ASSERT_TRUE(runUntil([&] {
+        screen.closeWindow("Orbisk Error");
+        return screen.titles() == std::vector<std::string>{"Kelvane"};
+    }));
+    ASSERT_TRUE(runUntil([&] {
+        screen.closeWindow("Kelvane");
+        return !child.isRunning();
+    }));
+    EXPECT_EQ(child.wait(), 0) << child.errorOutput();
+    const std::string saved = readFile("datafile.json");
+    EXPECT_NE(saved.find("\"x\" : 100"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("\"y\" : 80"), std::string::npos) << saved;
+}
+
 } // namespace orbisk::test

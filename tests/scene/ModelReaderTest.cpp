@@ -44,6 +44,12 @@ TEST_F(ModelReaderTest, ReadsFromAnotherFolderAndByAnOddName) {
     EXPECT_NE(readModel(fs::absolute(path).string()), nullptr);
 }
 
+TEST_F(ModelReaderTest, MissingModelIsNotReplacedByItsNamesakeInTheWorkingFolder) {
+    ASSERT_TRUE(osgDB::writeNodeFile(*makeQuadGeode(), "model.osgb"));
+    EXPECT_EQ(readModel("gone/model.osgb"), nullptr);
+    EXPECT_EQ(readModel(fs::absolute("gone/model.osgb").string()), nullptr);
+}
+
 TEST_F(ModelReaderTest, EachReadGivesAModelOfItsOwn) {
     ASSERT_TRUE(osgDB::writeNodeFile(*makeQuadGeode(), "model.osgb"));
     EXPECT_NE(readModel("model.osgb"), readModel("model.osgb"));

@@ -17,6 +17,12 @@
 #include <GL/glx.h>
 #include <X11/Xlib.h>
 
+// The one function wanted of GTK itself, which the toolkit brings along without its headers.
+extern "C" {
+struct _GtkWindow; // NOLINT(bugprone-reserved-identifier)
+void gtk_window_get_position(_GtkWindow* window, int* x, int* y);
+}
+
 namespace orbisk::platform {
 
 namespace {
@@ -149,6 +155,14 @@ void leaveGraphicsContext() {
 
 double pixelsPerUnit(const wxWindow& window) {
     return window.GetContentScaleFactor();
+}
+
+wxPoint positionOnScreen(const wxFrame& frame) {
+    // The toolkit's own answer forgets the decorations when a dialog of the same kind has closed.
+    wxPoint position;
+    gtk_window_get_position(reinterpret_cast<_GtkWindow*>(frame.GetHandle()), &position.x,
+                            &position.y);
+    return position;
 }
 
 } // namespace orbisk::platform

@@ -126,4 +126,8 @@ double pixelsPerUnit(const wxWindow&) {
     return 1.0;
 }
 
+wxPoint positionOnScreen(const wxFrame& frame) {
+    return frame.GetPosition();
+}
+
 } // namespace orbisk::platform
