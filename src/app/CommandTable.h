@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Translatable.h"
+
 #include <array>
 #include <cstddef>
 
@@ -64,11 +66,6 @@ struct CommandRow {
     ModelNeed needs;
     CommandTool tool;
 };
-
-/// Marks a text for the translation catalog where it cannot be looked up yet.
-constexpr const char* translatable(const char* text) {
-    return text;
-}
 
 /// The rows in the order of `Command`.
 inline constexpr std::array<CommandRow, commandCount> commandTable{{
