@@ -56,10 +56,6 @@ MeasurementSet makeLines(int count) {
     return set;
 }
 
-double noArea(const MeasureArea&) {
-    return 0.0;
-}
-
 /// Lets the windows come up and draw.
 void runEvents() {
     wxEventLoopBase::GetActive()->YieldFor(wxEVT_CATEGORY_ALL);
@@ -119,7 +115,7 @@ double timeToOpen(const Make& make) {
 class GrowingTable {
 public:
     GrowingTable(wxWindow& frame, int lineCount)
-        : m_set(makeLines(lineCount)), m_dialog(new PickDialog(&frame, m_set, m_edits, noArea)) {
+        : m_set(makeLines(lineCount)), m_dialog(new PickDialog(&frame, m_set, m_edits)) {
         m_dialog->Show();
         runEvents();
     }
@@ -156,12 +152,11 @@ private:
 void measureOpening(Report& report, wxWindow& frame) {
     MeasurementSet set = makeLines(largeLineCount);
     NoEdits edits;
-    report.add(
-        opening,
-        interleave(
-            openings,
-            [&] { return timeToOpen([&] { return new PickDialog(&frame, set, edits, noArea); }); },
-            [&] { return timeToOpen([&] { return new PlainTable(&frame, set); }); }));
+    report.add(opening,
+               interleave(
+                   openings,
+                   [&] { return timeToOpen([&] { return new PickDialog(&frame, set, edits); }); },
+                   [&] { return timeToOpen([&] { return new PlainTable(&frame, set); }); }));
 }
 
 void measureAppending(Report& report, wxWindow& frame) {

@@ -3,6 +3,7 @@
 #include "app/CommandTable.h"
 #include "measure/MeasurementExport.h"
 #include "measure/PointGridTable.h"
+#include "measure/PolygonMeasure.h"
 #include "measure/RowDeletion.h"
 #include "measure/VertexGridTable.h"
 #include "platform/Platform.h"
@@ -40,6 +41,13 @@ TableRows selectedRows(const wxGrid& grid) {
     return {rows.begin(), rows.end()};
 }
 
+/// The signed area of a polygon; 0 of one that can't be measured.
+void computeArea(const MeasureArea& area, ItemTotal& total) {
+    total.value = 0.0;
+    // A new one each time: the polygon that it keeps can make the next one fail.
+    PolygonMeasure().signedAreaOnly(area, total.value);
+}
+
 CellText textsOf(const MeasurementGridTable& table) {
     return [&table](std::string& text, std::size_t row, VertexColumn column) {
         table.appendText(text, row, static_cast<int>(column));
@@ -48,12 +56,11 @@ CellText textsOf(const MeasurementGridTable& table) {
 
 } // namespace
 
-PickDialog::PickDialog(wxWindow* parent, MeasurementSet& set, MeasurementEdits& edits,
-                       const AreaOfPolygon& areaOf)
+PickDialog::PickDialog(wxWindow* parent, MeasurementSet& set, MeasurementEdits& edits)
     : m_set(set), m_edits(edits) {
     Create(parent, wxID_ANY, _("Measurement Table"), wxDefaultPosition, wxDefaultSize, dialogStyle);
     buildWindows();
-    setUpGrids(areaOf);
+    setUpGrids();
     bindMenu(*m_pointGrid, {{translatable("delete"), &PickDialog::deletePoints},
                             {translatable("clear"), &PickDialog::clearPoints}});
     bindMenu(*m_travelGrid, {{translatable("delete"), &PickDialog::deleteTravelPoints},
@@ -100,10 +107,7 @@ wxGrid* PickDialog::addPage(const wxString& label, const char* name) {
     return grid;
 }
 
-void PickDialog::setUpGrids(const AreaOfPolygon& areaOf) {
-    const auto computeArea = [areaOf](const MeasureArea& area, ItemTotal& total) {
-        total.value = areaOf(area);
-    };
+void PickDialog::setUpGrids() {
     m_lineTable = new VertexGridTable(m_set.lines, translatable("Lengths"), extendLength);
     m_areaTable = new VertexGridTable(m_set.areas, translatable("Area"), computeArea);
     m_pointTable = new PointGridTable(m_set.points);

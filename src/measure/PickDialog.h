@@ -5,7 +5,6 @@
 
 #include <wx/dialog.h>
 
-#include <functional>
 #include <vector>
 
 class wxButton;
@@ -17,9 +16,6 @@ namespace orbisk {
 class MeasurementGridTable;
 class VertexGridTable;
 
-/// The value of a polygon that its joined cell shows, in squared world units.
-using AreaOfPolygon = std::function<double(const MeasureArea&)>;
-
 /// The "Measurement Table": a dialog, shown beside the frame, whose grids list all measurements.
 /// A grid's context menu deletes from the set; the button exports it. The dialog owns itself, as
 /// windows do: closing it, or `Destroy`, ends its use, which `MeasurementEdits::tableClosed` tells.
@@ -28,8 +24,7 @@ class PickDialog : public wxDialog, public MeasurementTable {
 public:
     /// @param set shown and edited; outlives the dialog.
     /// @param edits told what the user does here; outlives the dialog.
-    PickDialog(wxWindow* parent, MeasurementSet& set, MeasurementEdits& edits,
-               const AreaOfPolygon& areaOf);
+    PickDialog(wxWindow* parent, MeasurementSet& set, MeasurementEdits& edits);
 
     bool Destroy() override;
 
@@ -52,7 +47,7 @@ private:
 
     void buildWindows();
     wxGrid* addPage(const wxString& label, const char* name);
-    void setUpGrids(const AreaOfPolygon& areaOf);
+    void setUpGrids();
     void setUpGrid(wxGrid& grid, MeasurementGridTable* table);
     void bindMenu(wxGrid& grid, const std::vector<MenuEntry>& entries);
     void showMenu(const std::vector<MenuEntry>& entries);

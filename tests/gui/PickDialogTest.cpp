@@ -155,6 +155,24 @@ TEST_F(PickDialogTest, LineOfOneVertexHasZeroLengthsInACellOfOneRow) {
     EXPECT_EQ(joinedCells(lineGrid()), (std::vector<std::pair<int, int>>{{0, 1}}));
 }
 
+TEST_F(PickDialogTest, AreaCellHoldsTheSignedArea) {
+    m_set.areas = {{{0, 0, 1}, {2, 0, 1}, {0, 3, 1}}, {{0, 0, 1}, {0, 3, 1}, {2, 0, 1}}};
+    openAsItIs();
+    EXPECT_EQ(areaGrid().GetCellValue(0, 5), "3.000");
+    EXPECT_EQ(areaGrid().GetCellValue(3, 5), "-3.000");
+}
+
+TEST_F(PickDialogTest, AreaThatCannotBeMeasuredIsZeroAndLeavesTheNextOneAlone) {
+    // Parallel edges count as crossing.
+    m_set.areas = {{{0, 0, 1}, {2, 0, 1}, {2, 3, 1}, {0, 3, 1}},
+                   {{0, 0, 1}, {2, 0, 1}, {0, 3, 1}},
+                   {{0, 0, 1}, {2, 0, 1}}};
+    openAsItIs();
+    EXPECT_EQ(areaGrid().GetCellValue(0, 5), "0.000");
+    EXPECT_EQ(areaGrid().GetCellValue(4, 5), "3.000");
+    EXPECT_EQ(areaGrid().GetCellValue(7, 5), "0.000");
+}
+
 TEST_F(PickDialogTest, ItemsWithoutVerticesTakeNoRow) {
     m_set.lines = m_set.areas = {{}, {{1, 2, 3}, {4, 5, 6}}, {}};
     openAsItIs();

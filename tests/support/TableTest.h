@@ -38,10 +38,11 @@ using GridRow = std::vector<std::string>;
 /// All cell texts of a grid.
 std::vector<GridRow> textsOf(const wxGrid& grid);
 
-/// What the grids have to show, computed from the set with nothing of the program's.
+/// What the grids have to show, computed from the set with nothing of the program's but the areas,
+/// which `PolygonMeasure` gives.
 std::vector<GridRow> pointRows(const std::vector<osg::Vec3d>& points);
 std::vector<GridRow> lineRows(const std::vector<MeasureLine>& lines);
-std::vector<GridRow> areaRows(const std::vector<MeasureArea>& areas, const AreaOfPolygon& areaOf);
+std::vector<GridRow> areaRows(const std::vector<MeasureArea>& areas);
 
 /// The joined cells of a grid's last column, as first row and number of rows; a cell that is
 /// neither joined nor covered counts one row.
@@ -49,9 +50,6 @@ std::vector<std::pair<int, int>> joinedCells(const wxGrid& grid);
 
 /// The same as it has to be for these items.
 std::vector<std::pair<int, int>> expectedJoints(const std::vector<std::vector<osg::Vec3d>>& items);
-
-/// Stands in for an area: depends on every vertex and on their order, and may be negative.
-double stubArea(const MeasureArea& area);
 
 /// Drives the table of a set of its own, over the program's frame.
 class TableTest : public GuiTest {
