@@ -25,7 +25,9 @@ public:
     virtual void rebuildAreaGrid() = 0;
 };
 
-/// Told by the table what the user did to the set there, after it was done. Main thread.
+/// Told by the table what the user did to the set there, after it was done, so that the drawings
+/// follow. The fill of the current area (`MeasurementSet::areaTriangles`) is theirs to compute
+/// anew. Outlives the table. Main thread.
 class MeasurementEdits {
 public:
     virtual ~MeasurementEdits() = default;
@@ -36,6 +38,8 @@ public:
     /// @param currentErased whether the area that was current is gone.
     virtual void areasChanged(bool currentErased) = 0;
     virtual void travelChanged() = 0;
+    /// The table is closing, by the user or by `Destroy`, and takes no more row operations.
+    virtual void tableClosed() = 0;
 };
 
 } // namespace orbisk

@@ -400,4 +400,8 @@ void PickInteraction::travelChanged() {
         m_drawing.drawTravel();
 }
 
+void PickInteraction::tableClosed() {
+    m_table = nullptr;
+}
+
 } // namespace orbisk

@@ -107,6 +107,7 @@ public:
     void linesChanged(bool currentErased) override;
     void areasChanged(bool currentErased) override;
     void travelChanged() override;
+    void tableClosed() override;
 
 private:
     enum class Mode { None, Point, Line, Area, Travel };

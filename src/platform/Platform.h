@@ -9,6 +9,8 @@
 
 #include <string>
 
+class wxNotebook;
+
 /// What differs between operating systems. This folder is the only place that knows which one the
 /// program runs on.
 namespace orbisk::platform {
@@ -52,6 +54,9 @@ void makeFlat(wxWindow& button);
 
 /// Underlines a button's label where an underlined font alone does not.
 void underlineLabel(wxButton& button);
+
+/// Gives the pages of a notebook that has its size but was not shown yet the size they will have.
+void sizePages(wxNotebook& notebook);
 
 /// Leaves the calling thread without a current OpenGL context.
 void leaveGraphicsContext();

@@ -8,6 +8,7 @@
 #include <wx/filename.h>
 #include <wx/frame.h>
 #include <wx/html/helpctrl.h>
+#include <wx/notebook.h>
 #include <wx/strconv.h>
 
 #include <clocale>
@@ -146,6 +147,12 @@ void underlineLabel(wxButton& button) {
     // A single underscore would mark the next letter as the button's mnemonic.
     text.Replace("_", "__");
     button.SetLabelMarkup("<u>" + text + "</u>");
+}
+
+void sizePages(wxNotebook& notebook) {
+    const wxSize pageSize = notebook.GetSize() - notebook.CalcSizeFromPage(wxSize(0, 0));
+    for (std::size_t page = 0; page < notebook.GetPageCount(); ++page)
+        notebook.GetPage(page)->SetSize(pageSize);
 }
 
 void leaveGraphicsContext() {

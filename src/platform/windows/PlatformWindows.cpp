@@ -117,6 +117,10 @@ void underlineLabel(wxButton&) {
     // An underlined font is enough here.
 }
 
+void sizePages(wxNotebook&) {
+    // The notebook itself does so whenever its own size changes.
+}
+
 void leaveGraphicsContext() {
     wglMakeCurrent(nullptr, nullptr);
 }
