@@ -27,7 +27,8 @@ private:
 
 } // namespace
 
-OffScreenView::OffScreenView(int width, int height, double fovy)
+OffScreenView::OffScreenView(int width, int height, double fovy,
+                             osgViewer::ViewerBase::ThreadingModel threading)
     : m_width(width), m_height(height) {
     const osg::ref_ptr<osg::GraphicsContext::Traits> traits = new osg::GraphicsContext::Traits;
     traits->readDISPLAY();
@@ -40,7 +41,7 @@ OffScreenView::OffScreenView(int width, int height, double fovy)
         osg::GraphicsContext::createGraphicsContext(traits.get());
     if (!context || !context->valid())
         ADD_FAILURE() << "cannot draw off the screen";
-    m_viewer.setThreadingModel(osgViewer::ViewerBase::SingleThreaded);
+    m_viewer.setThreadingModel(threading);
     setUpCamera(camera(), fovy, {width, height});
     camera().setGraphicsContext(context);
     camera().setDrawBuffer(GL_FRONT);
@@ -50,11 +51,23 @@ OffScreenView::OffScreenView(int width, int height, double fovy)
 osg::ref_ptr<osg::Image> OffScreenView::draw() {
     if (!m_viewer.isRealized())
         m_viewer.realize();
+    const bool threaded = m_viewer.areThreadsRunning();
+    // Without its thread the viewer draws at once, and nothing else is being drawn.
+    if (threaded)
+        m_viewer.stopThreading();
     const osg::ref_ptr<Capture> capture = new Capture(m_width, m_height);
     camera().setFinalDrawCallback(capture);
     m_viewer.frame();
     camera().setFinalDrawCallback(nullptr);
+    if (threaded)
+        m_viewer.startThreading();
     return capture->image();
+}
+
+void OffScreenView::drawUnseen() {
+    if (!m_viewer.isRealized())
+        m_viewer.realize();
+    m_viewer.frame();
 }
 
 } // namespace orbisk::test
