@@ -91,8 +91,6 @@ MeasurementDrawing::MeasurementDrawing(const MeasurementSet& set)
 MeasurementDrawing::~MeasurementDrawing() = default;
 
 void MeasurementDrawing::setModelSwitch(osg::Switch* modelSwitch) {
-    if (m_modelSwitch == modelSwitch)
-        return;
     m_modelSwitch = modelSwitch;
     m_drawing = nullptr;
     m_preview = nullptr;

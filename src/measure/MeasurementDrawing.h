@@ -61,6 +61,7 @@ public:
     /// One that was never drawn counts as not measured.
     void redrawAreas();
 
+    /// Draws the travel path.
     void drawTravel();
 
     /// Draws the next segment of the current line, from its last vertex to `point` (world frame).
