@@ -1,0 +1,43 @@
+#pragma once
+
+#include "measure/IntersectionVisitor.h"
+
+#include <osg/Camera>
+#include <osg/Switch>
+#include <osg/Vec3d>
+#include <osg/observer_ptr>
+
+#include <functional>
+
+namespace orbisk {
+
+/// What a picker looks at and through. None of it is kept alive.
+struct PickView {
+    osg::observer_ptr<osg::Camera> camera;      ///< with a viewport
+    osg::observer_ptr<osg::Switch> modelSwitch; ///< its child 1 is the model
+    std::function<int()> canvasHeight;          ///< of the client area, pixels
+    PauseDrawing pauseDrawing;                  ///< may be empty: nothing draws meanwhile then
+};
+
+/// Turns positions on the canvas (pixels, origin top left) into points in world coordinates. Main
+/// thread.
+class Picker {
+public:
+    explicit Picker(PickView view);
+
+    /// The point of the model's surface at a position. Throws `std::out_of_range` where a primitive
+    /// set of the model goes beyond its indices or its vertices.
+    /// @param point is left as it was where the model is not hit, or where there is none.
+    /// @return whether the model is hit.
+    bool pickPoint(double x, double y, osg::Vec3d& point);
+
+    /// The point of the camera's near plane at a position; the world's origin without a camera.
+    osg::Vec3d nearPoint(double x, double y) const;
+
+private:
+    CanvasPosition position(double x, double y) const;
+
+    PickView m_view;
+};
+
+} // namespace orbisk
