@@ -62,7 +62,7 @@ void IntersectionVisitor::intersectTriangles(const osg::Geometry& geometry) {
     for (std::size_t i = 0; i < source.size(); ++i)
         vertices.push_back(source.at(i));
     for (const auto& set : geometry.getPrimitiveSetList()) {
-        const std::size_t count = set ? triangleCount(*set) : 0;
+        const std::size_t count = triangleCount(*set);
         for (std::size_t number = 0; number < count; ++number) {
             const TriangleCorners corners = triangleCorners(*set, number);
             const Triangle triangle{vertices.at(corners[0]), vertices.at(corners[1]),

@@ -1,5 +1,7 @@
 #include "measure/Picker.h"
 
+#include "measure/IndexedVisitor.h"
+#include "measure/PickIndex.h"
 #include "measure/PickRay.h"
 #include "view/SceneRoot.h"
 
@@ -7,7 +9,19 @@
 
 namespace orbisk {
 
-Picker::Picker(PickView view) : m_view(std::move(view)) {}
+namespace {
+
+bool takeHit(osg::Node& model, IntersectionVisitor& visitor, osg::Vec3d& point) {
+    model.accept(visitor);
+    if (visitor.hits().empty())
+        return false;
+    point = visitor.hits().front();
+    return true;
+}
+
+} // namespace
+
+Picker::Picker(PickView view, PickIndex* index) : m_view(std::move(view)), m_index(index) {}
 
 bool Picker::pickPoint(double x, double y, osg::Vec3d& point) {
     osg::ref_ptr<osg::Camera> camera;
@@ -16,12 +30,13 @@ bool Picker::pickPoint(double x, double y, osg::Vec3d& point) {
         modelSwitch->getNumChildren() <= SceneRoot::modelChild)
         return false;
     const PickRay ray = makePickRay(*camera, position(x, y));
+    osg::Node& model = *modelSwitch->getChild(SceneRoot::modelChild);
+    if (m_index) {
+        IndexedVisitor visitor(ray, *m_index, m_view.pauseDrawing);
+        return takeHit(model, visitor, point);
+    }
     IntersectionVisitor visitor(ray.origin, ray.direction, m_view.pauseDrawing);
-    modelSwitch->getChild(SceneRoot::modelChild)->accept(visitor);
-    if (visitor.hits().empty())
-        return false;
-    point = visitor.hits().front();
-    return true;
+    return takeHit(model, visitor, point);
 }
 
 osg::Vec3d Picker::nearPoint(double x, double y) const {

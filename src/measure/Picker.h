@@ -11,6 +11,8 @@
 
 namespace orbisk {
 
+class PickIndex;
+
 /// What a picker looks at and through. None of it is kept alive.
 struct PickView {
     osg::observer_ptr<osg::Camera> camera;      ///< with a viewport
@@ -23,7 +25,8 @@ struct PickView {
 /// thread.
 class Picker {
 public:
-    explicit Picker(PickView view);
+    /// @param index makes picking fast and changes no result; outlives the picker; may be null.
+    explicit Picker(PickView view, PickIndex* index = nullptr);
 
     /// The point of the model's surface at a position. Throws `std::out_of_range` where a primitive
     /// set of the model goes beyond its indices or its vertices.
@@ -38,6 +41,7 @@ private:
     CanvasPosition position(double x, double y) const;
 
     PickView m_view;
+    PickIndex* m_index;
 };
 
 } // namespace orbisk
