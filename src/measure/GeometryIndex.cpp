@@ -76,14 +76,14 @@ std::optional<GeometryIndex> GeometryIndex::build(const GeometrySource& source,
     std::size_t count = 0;
     for (const auto& set : source.sets) {
         index.m_firstNumbers.push_back(static_cast<std::uint32_t>(count));
-        count += triangleCount(*set);
+        count += PickTriangles(*set).count();
         if (count > std::numeric_limits<std::uint32_t>::max())
             return std::nullopt;
     }
     const PickVertices vertices(source.vertices.get(), source.matrix);
     const auto triangle = [&](std::uint32_t number) {
         const Place place = placeOf(number, index.m_firstNumbers);
-        return vertices.triangle(triangleCorners(*source.sets[place.set], place.number));
+        return vertices.triangle(PickTriangles(*source.sets[place.set]).corners(place.number));
     };
     std::optional<TriangleTree> tree =
         TriangleTree::build(static_cast<std::uint32_t>(count), triangle, cancelled);
@@ -100,8 +100,8 @@ std::optional<GeometryIndex> GeometryIndex::build(const GeometrySource& source,
 
 TriangleCorners GeometryIndex::corners(const osg::Geometry& geometry, std::uint32_t number) const {
     const Place place = placeOf(number, m_firstNumbers);
-    return triangleCorners(*geometry.getPrimitiveSet(static_cast<unsigned int>(place.set)),
-                           place.number);
+    return PickTriangles(*geometry.getPrimitiveSet(static_cast<unsigned int>(place.set)))
+        .corners(place.number);
 }
 
 } // namespace orbisk

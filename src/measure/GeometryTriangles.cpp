@@ -1,5 +1,6 @@
 #include "measure/GeometryTriangles.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace orbisk {
@@ -9,53 +10,45 @@ namespace {
 constexpr std::size_t cornersPerTriangle = 3;
 constexpr std::size_t cornersSharedInFan = 2;
 
-bool isExaminedKind(osg::PrimitiveSet::Type type) {
-    switch (type) {
-    case osg::PrimitiveSet::DrawArraysPrimitiveType:
-    case osg::PrimitiveSet::DrawElementsUBytePrimitiveType:
-    case osg::PrimitiveSet::DrawElementsUShortPrimitiveType:
-    case osg::PrimitiveSet::DrawElementsUIntPrimitiveType:
-        return true;
+std::size_t trianglesOf(GLenum mode, std::size_t indexCount) {
+    switch (mode) {
+    case osg::PrimitiveSet::TRIANGLES:
+        return (indexCount + cornersPerTriangle - 1) / cornersPerTriangle;
+    case osg::PrimitiveSet::TRIANGLE_STRIP:
+        return indexCount < cornersPerTriangle ? 0 : indexCount - (cornersPerTriangle - 1);
+    case osg::PrimitiveSet::TRIANGLE_FAN:
+        return indexCount < cornersSharedInFan ? 0 : indexCount - cornersSharedInFan;
     default:
-        return false;
+        return 0;
     }
-}
-
-/// A set drawn with `DrawArrays` may have been given a count below zero.
-std::size_t indexCount(const osg::PrimitiveSet& set) {
-    const unsigned int count = set.getNumIndices();
-    const bool isNegative =
-        set.getType() == osg::PrimitiveSet::DrawArraysPrimitiveType && static_cast<int>(count) < 0;
-    return isNegative ? 0 : count;
-}
-
-std::size_t indexAt(const osg::PrimitiveSet& set, std::size_t position) {
-    if (position >= indexCount(set))
-        throw std::out_of_range("a triangle goes beyond the indices of its primitive set");
-    return set.index(static_cast<unsigned int>(position));
 }
 
 } // namespace
 
-std::size_t triangleCount(const osg::PrimitiveSet& set) {
-    if (!isExaminedKind(set.getType()))
-        return 0;
-    const std::size_t count = indexCount(set);
-    switch (set.getMode()) {
-    case osg::PrimitiveSet::TRIANGLES:
-        return (count + cornersPerTriangle - 1) / cornersPerTriangle;
-    case osg::PrimitiveSet::TRIANGLE_STRIP:
-        return count < cornersPerTriangle ? 0 : count - (cornersPerTriangle - 1);
-    case osg::PrimitiveSet::TRIANGLE_FAN:
-        return count < cornersSharedInFan ? 0 : count - cornersSharedInFan;
-    default:
-        return 0;
+PickTriangles::PickTriangles(const osg::PrimitiveSet& set)
+    : m_type(set.getType()), m_mode(set.getMode()) {
+    switch (m_type) {
+    case osg::PrimitiveSet::DrawArraysPrimitiveType: {
+        const auto& arrays = static_cast<const osg::DrawArrays&>(set);
+        m_first = static_cast<unsigned int>(arrays.getFirst());
+        m_indexCount = static_cast<std::size_t>(std::max(arrays.getCount(), 0));
+        break;
     }
+    case osg::PrimitiveSet::DrawElementsUBytePrimitiveType:
+    case osg::PrimitiveSet::DrawElementsUShortPrimitiveType:
+    case osg::PrimitiveSet::DrawElementsUIntPrimitiveType:
+        m_indices = set.getDataPointer();
+        m_indexCount = set.getNumIndices();
+        break;
+    default:
+        break;
+    }
+    m_count = trianglesOf(m_mode, m_indexCount);
 }
 
-TriangleCorners triangleCorners(const osg::PrimitiveSet& set, std::size_t number) {
+TriangleCorners PickTriangles::corners(std::size_t number) const {
     TriangleCorners positions{};
-    switch (set.getMode()) {
+    switch (m_mode) {
     case osg::PrimitiveSet::TRIANGLES: {
         const std::size_t first = number * cornersPerTriangle;
         positions = {first, first + 1, first + 2};
@@ -69,12 +62,28 @@ TriangleCorners triangleCorners(const osg::PrimitiveSet& set, std::size_t number
         positions = {0, number + 1, number + 2};
         break;
     }
-    return {indexAt(set, positions[0]), indexAt(set, positions[1]), indexAt(set, positions[2])};
+    return {indexAt(positions[0]), indexAt(positions[1]), indexAt(positions[2])};
+}
+
+std::size_t PickTriangles::indexAt(std::size_t position) const {
+    if (position >= m_indexCount)
+        throw std::out_of_range("a triangle goes beyond the indices of its primitive set");
+    switch (m_type) {
+    case osg::PrimitiveSet::DrawElementsUBytePrimitiveType:
+        return static_cast<const GLubyte*>(m_indices)[position];
+    case osg::PrimitiveSet::DrawElementsUShortPrimitiveType:
+        return static_cast<const GLushort*>(m_indices)[position];
+    case osg::PrimitiveSet::DrawElementsUIntPrimitiveType:
+        return static_cast<const GLuint*>(m_indices)[position];
+    default:
+        return m_first + static_cast<unsigned int>(position);
+    }
 }
 
 PickVertices::PickVertices(const osg::Array* array, const osg::Matrixd& matrix)
     : m_floats(dynamic_cast<const osg::Vec3Array*>(array)),
-      m_doubles(dynamic_cast<const osg::Vec3dArray*>(array)), m_matrix(matrix) {}
+      m_doubles(dynamic_cast<const osg::Vec3dArray*>(array)), m_matrix(matrix),
+      m_isIdentity(matrix.isIdentity()) {}
 
 std::size_t PickVertices::size() const {
     if (m_floats)
@@ -83,7 +92,10 @@ std::size_t PickVertices::size() const {
 }
 
 osg::Vec3d PickVertices::at(std::size_t index) const {
-    return m_floats ? osg::Vec3d(m_floats->at(index) * m_matrix) : m_doubles->at(index);
+    if (!m_floats)
+        return m_doubles->at(index);
+    const osg::Vec3& vertex = m_floats->at(index);
+    return m_isIdentity ? vertex : vertex * m_matrix;
 }
 
 } // namespace orbisk

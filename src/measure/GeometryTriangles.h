@@ -3,6 +3,7 @@
 #include "measure/TriangleTest.h"
 
 #include <osg/Array>
+#include <osg/GL>
 #include <osg/Matrixd>
 #include <osg/PrimitiveSet>
 #include <osg/Vec3d>
@@ -15,19 +16,36 @@ namespace orbisk {
 /// Indices into the vertex array.
 using TriangleCorners = std::array<std::size_t, 3>;
 
-/// How many triangles of a primitive set can be picked. Only triangles, strips and fans that are
-/// drawn with `DrawArrays` or with `DrawElements` of any width can; all else has none. A list's
-/// incomplete last triangle counts.
-std::size_t triangleCount(const osg::PrimitiveSet& set);
+/// The triangles of a primitive set that can be picked: those of triangle lists, strips and fans
+/// that are drawn with `DrawArrays` or with `DrawElements` of any width. All else has none. Refers
+/// to the set.
+class PickTriangles {
+public:
+    explicit PickTriangles(const osg::PrimitiveSet& set);
 
-/// The corners of one triangle, in the order of the library's own decomposition (which turns every
-/// second triangle of a strip). Throws `std::out_of_range` where the set has not that many indices.
-/// @param number below `triangleCount`.
-TriangleCorners triangleCorners(const osg::PrimitiveSet& set, std::size_t number);
+    /// How many there are. A list's incomplete last triangle counts.
+    std::size_t count() const { return m_count; }
+
+    /// The corners of one triangle, in the order of the library's own decomposition (which turns
+    /// every second triangle of a strip). Throws `std::out_of_range` where the set has not that
+    /// many indices.
+    /// @param number below `count`.
+    TriangleCorners corners(std::size_t number) const;
+
+private:
+    std::size_t indexAt(std::size_t position) const;
+
+    osg::PrimitiveSet::Type m_type;
+    GLenum m_mode;
+    const void* m_indices = nullptr; ///< null where vertices are drawn one after the other
+    unsigned int m_first = 0;        ///< of these
+    std::size_t m_indexCount = 0;
+    std::size_t m_count = 0;
+};
 
 /// The vertices of a geometry as picking takes them: those of a double array as they stand, those
-/// of a float array transformed by the matrix in force, each coordinate rounded to a float. Refers
-/// to the array and reads it when asked.
+/// of a float array transformed by the matrix in force, each coordinate rounded to a float; the
+/// identity leaves them as they are. Refers to the array and reads it when asked.
 class PickVertices {
 public:
     /// @param array may be null: there are no vertices then.
@@ -50,6 +68,7 @@ private:
     const osg::Vec3Array* m_floats;
     const osg::Vec3dArray* m_doubles;
     osg::Matrixd m_matrix;
+    bool m_isIdentity;
 };
 
 } // namespace orbisk

@@ -62,9 +62,9 @@ void IntersectionVisitor::intersectTriangles(const osg::Geometry& geometry) {
     for (std::size_t i = 0; i < source.size(); ++i)
         vertices.push_back(source.at(i));
     for (const auto& set : geometry.getPrimitiveSetList()) {
-        const std::size_t count = triangleCount(*set);
-        for (std::size_t number = 0; number < count; ++number) {
-            const TriangleCorners corners = triangleCorners(*set, number);
+        const PickTriangles triangles(*set);
+        for (std::size_t number = 0; number < triangles.count(); ++number) {
+            const TriangleCorners corners = triangles.corners(number);
             const Triangle triangle{vertices.at(corners[0]), vertices.at(corners[1]),
                                     vertices.at(corners[2])};
             if (const std::optional<double> distance = intersect(m_ray, triangle))

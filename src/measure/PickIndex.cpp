@@ -29,7 +29,8 @@ bool mayBeWritten(const osg::Geometry& geometry) {
 bool isSmall(const osg::Geometry& geometry) {
     std::size_t size = geometry.getVertexArray()->getNumElements();
     for (const auto& set : geometry.getPrimitiveSetList())
-        size += triangleCount(*set);
+        if (size <= smallGeometry)
+            size += PickTriangles(*set).count();
     return size <= smallGeometry;
 }
 

@@ -3,6 +3,8 @@
 #include "measure/PickRay.h"
 #include "measure/TriangleTest.h"
 
+#include <osg/Vec3d>
+
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -27,8 +29,15 @@ namespace orbisk {
 ///
 ///     g = 8 e L^2 / (limit - 8 e L^2)
 ///
-/// plus a few e T for what is rounded besides. Each node keeps the largest g below it; where the
-/// denominator gets small it is infinite, and the node is always entered.
+/// plus what the test against the box itself rounds. Each node keeps the largest g below each of
+/// its children; where the denominator gets small it is infinite, and the child is always entered.
+///
+/// Boxes are tested in single precision, in units of the tree's size and relative to a point of it,
+/// and the line is taken from where it is nearest to that: rounding is then in proportion to the
+/// tree, wherever in the world it and the ray's origin are.
+///
+/// The triangles are sorted along a curve of cells that halve each other, the longer side first,
+/// and the tree is read off that order. Boxes are made from the leaves up.
 ///
 /// Immutable once built; may be read by several threads.
 class TriangleTree {
@@ -61,20 +70,20 @@ public:
         if (m_nodes.empty())
             return;
         const Line line = makeLine(ray);
-        std::array<std::uint32_t, deepest> waiting;
-        std::size_t count = 0;
-        if (meets(m_nodes.front(), line))
-            waiting[count++] = 0;
+        std::array<std::uint32_t, mostWaiting> waiting;
+        waiting[0] = 0;
+        std::size_t count = 1;
         while (count > 0) {
             const Node& node = m_nodes[waiting[--count]];
-            if (node.count > 0) {
-                for (std::uint32_t i = node.first; i < node.first + node.count; ++i)
-                    visit(m_numbers[i]);
-                continue;
+            const std::array<bool, width> met = meets(node, line);
+            for (std::size_t i = 0; i < width; ++i) {
+                if (!met[i])
+                    continue;
+                if (node.count[i] == 0)
+                    waiting[count++] = node.first[i];
+                for (std::uint32_t k = node.first[i]; k < node.first[i] + node.count[i]; ++k)
+                    visit(m_numbers[k]);
             }
-            for (const std::uint32_t child : {node.first + 1, node.first})
-                if (meets(m_nodes[child], line))
-                    waiting[count++] = child;
         }
     }
 
@@ -84,32 +93,40 @@ public:
 private:
     class Builder;
 
-    /// More than the levels of any tree: from `medianDepth` on each level halves the triangles.
-    static constexpr std::size_t deepest = 128;
-    static constexpr int medianDepth = 64;
+    /// Children of a node.
+    static constexpr std::size_t width = 4;
+    /// As deep as a tree gets: one level for each bit of a code, and of a number of triangles.
+    static constexpr std::size_t mostLevels = 64;
+    static constexpr std::size_t mostWaiting = mostLevels * (width - 1) + 1;
 
-    struct Node {
-        std::array<float, 3> low;
-        std::array<float, 3> high;
-        std::uint32_t first; ///< of its triangles; of its two children where it has none
-        std::uint16_t count; ///< of its triangles
-        std::uint16_t gain;  ///< the upper half of the float that is g, rounded up
+    using Lane = std::array<float, width>;
+
+    /// The boxes of four children side by side. A child that is not there has an empty one.
+    struct alignas(64) Node {
+        std::array<Lane, 6> bounds;             ///< low x, y, z, high x, y, z
+        std::array<std::uint32_t, width> first; ///< a child's node, or first triangle
+        std::array<std::uint16_t, width> gain;  ///< upper half of the float that is g, rounded up
+        std::array<std::uint8_t, width> count;  ///< a child's triangles; 0: it is a node
     };
 
-    /// A ray as the boxes are tested against it.
+    /// A line as boxes are tested against it, in the tree's units.
     struct Line {
-        std::array<double, 3> origin;
-        std::array<double, 3> inverse; ///< of the direction
-        double padding;                ///< of every box
-        double paddingPerGain;
+        std::array<float, 3> origin;
+        std::array<float, 3> inverse;         ///< of the direction
+        std::array<std::size_t, 3> nearBound; ///< which bound of a box is met first
+        std::array<std::size_t, 3> farBound;
+        float padding; ///< of every box
+        float paddingPerGain;
     };
 
     Line makeLine(const PickRay& ray) const;
-    static bool meets(const Node& node, const Line& line);
+    static std::array<bool, width> meets(const Node& node, const Line& line);
 
-    std::vector<Node> m_nodes; ///< the root first, siblings side by side
+    std::vector<Node> m_nodes; ///< the root first
     std::vector<std::uint32_t> m_numbers;
     std::vector<std::uint32_t> m_always; ///< triangles that fit into no box
+    osg::Vec3d m_origin;                 ///< of the tree's coordinates
+    double m_unit = 1.0;                 ///< of the tree's coordinates; none is beyond one
     double m_longestEdge = 0.0;          ///< of those with a finite g
 };
 
