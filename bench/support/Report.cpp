@@ -46,7 +46,7 @@ std::string wantedText(const std::optional<Wanted>& wanted, double ratio) {
     if (!wanted)
         return "-";
     char text[64];
-    std::snprintf(text, sizeof text, "%s %.2f, %s",
+    std::snprintf(text, sizeof text, "%s %.3g, %s",
                   wanted->bound == Wanted::Bound::AtMost ? "at most" : "at least", wanted->ratio,
                   isMet(*wanted, ratio) ? "met" : "missed");
     return text;
@@ -106,7 +106,7 @@ void Report::add(const Subject& subject, const Samples& samples) {
     const double theirs = chosen(subject.choice, samples.theirs);
     const double ratio = ours / theirs;
     char ratioText[32];
-    std::snprintf(ratioText, sizeof ratioText, "%.3f", ratio);
+    std::snprintf(ratioText, sizeof ratioText, "%.3g", ratio);
     printRow(subject.name.c_str(), figure(ours, subject.unit).c_str(),
              figure(theirs, subject.unit).c_str(), ratioText,
              wantedText(subject.wanted, ratio).c_str());

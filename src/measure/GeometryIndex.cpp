@@ -1,0 +1,107 @@
+#include "measure/GeometryIndex.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace orbisk {
+
+namespace {
+
+/// Where a numbered triangle stands.
+struct Place {
+    std::size_t set;
+    std::size_t number; ///< within its set
+};
+
+Place placeOf(std::uint32_t number, const std::vector<std::uint32_t>& firstNumbers) {
+    // Of sets that begin with the same number only the last can have triangles.
+    const auto next = std::upper_bound(firstNumbers.begin(), firstNumbers.end(), number);
+    const auto set = static_cast<std::size_t>(next - firstNumbers.begin()) - 1;
+    return {set, number - firstNumbers[set]};
+}
+
+unsigned int sizeOf(const osg::Array* array) {
+    return array ? array->getNumElements() : 0;
+}
+
+unsigned int modifiedCountOf(const osg::Array* array) {
+    return array ? array->getModifiedCount() : 0;
+}
+
+int firstOf(const osg::PrimitiveSet& set) {
+    const auto* arrays = dynamic_cast<const osg::DrawArrays*>(&set);
+    return arrays ? arrays->getFirst() : 0;
+}
+
+} // namespace
+
+GeometrySource::GeometrySource(const osg::Geometry& geometry, const osg::Matrixd& inForce)
+    : vertices(geometry.getVertexArray()),
+      sets(geometry.getPrimitiveSetList().begin(), geometry.getPrimitiveSetList().end()),
+      matrix(inForce) {}
+
+GeometryMark::SetMark::SetMark(const osg::PrimitiveSet& marked)
+    : set(&marked), modifiedCount(marked.getModifiedCount()), indexCount(marked.getNumIndices()),
+      first(firstOf(marked)), mode(marked.getMode()) {}
+
+bool GeometryMark::SetMark::matches(const osg::PrimitiveSet& other) const {
+    return set.get() == &other && other.getModifiedCount() == modifiedCount &&
+           other.getNumIndices() == indexCount && other.getMode() == mode &&
+           firstOf(other) == first;
+}
+
+GeometryMark::GeometryMark(const osg::Geometry& geometry)
+    : m_geometry(&geometry), m_vertices(geometry.getVertexArray()),
+      m_vertexCount(sizeOf(geometry.getVertexArray())),
+      m_modifiedCount(modifiedCountOf(geometry.getVertexArray())) {
+    m_sets.reserve(geometry.getNumPrimitiveSets());
+    for (const auto& set : geometry.getPrimitiveSetList())
+        m_sets.emplace_back(*set);
+}
+
+bool GeometryMark::matches(const osg::Geometry& geometry) const {
+    const osg::Array* vertices = geometry.getVertexArray();
+    const auto& sets = geometry.getPrimitiveSetList();
+    return m_geometry.get() == &geometry && m_vertices.get() == vertices &&
+           sizeOf(vertices) == m_vertexCount && modifiedCountOf(vertices) == m_modifiedCount &&
+           std::equal(m_sets.begin(), m_sets.end(), sets.begin(), sets.end(),
+                      [](const SetMark& mark, const auto& set) { return mark.matches(*set); });
+}
+
+std::optional<GeometryIndex> GeometryIndex::build(const GeometrySource& source,
+                                                  const std::atomic<bool>& cancelled) try {
+    GeometryIndex index;
+    std::size_t count = 0;
+    for (const auto& set : source.sets) {
+        index.m_firstNumbers.push_back(static_cast<std::uint32_t>(count));
+        count += PickTriangles(*set).count();
+        if (count > std::numeric_limits<std::uint32_t>::max())
+            return std::nullopt;
+    }
+    const PickVertices vertices(source.vertices.get(), source.matrix);
+    const auto triangle = [&](std::uint32_t number) {
+        const Place place = placeOf(number, index.m_firstNumbers);
+        return vertices.triangle(PickTriangles(*source.sets[place.set]).corners(place.number));
+    };
+    std::optional<TriangleTree> tree =
+        TriangleTree::build(static_cast<std::uint32_t>(count), triangle, cancelled);
+    if (!tree)
+        return std::nullopt;
+    index.m_tree = std::move(*tree);
+    return index;
+} catch (const std::out_of_range&) {
+    // The walk throws it to who picks.
+    return std::nullopt;
+} catch (const std::bad_alloc&) {
+    return std::nullopt;
+}
+
+TriangleCorners GeometryIndex::corners(const osg::Geometry& geometry, std::uint32_t number) const {
+    const Place place = placeOf(number, m_firstNumbers);
+    return PickTriangles(*geometry.getPrimitiveSet(static_cast<unsigned int>(place.set)))
+        .corners(place.number);
+}
+
+} // namespace orbisk

@@ -1,0 +1,308 @@
+#include "measure/TriangleTree.h"
+
+#include "measure/CellOrder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace orbisk {
+
+namespace {
+
+constexpr double roundoff = std::numeric_limits<double>::epsilon() / 2;
+constexpr float infinity = std::numeric_limits<float>::infinity();
+
+/// See the class for where these come from; what the derivation leaves over is slack.
+constexpr double errorFactor = 8 * roundoff;
+constexpr double distancesPerGain = 3.0;
+/// Where the error of the determinant is more than this part of its limit, no bound is any use.
+constexpr double largestErrorPart = 0.5;
+
+/// What moving the line, and the test in single precision, round at most is well below these parts:
+/// of the distance between the ray's origin and the tree, and of the tree.
+constexpr double distancePadding = 64 * roundoff;
+constexpr double treePadding = 32 * static_cast<double>(std::numeric_limits<float>::epsilon()) / 2;
+/// A line that is nearly along a plane of axes drifts off it by less than the padding when its
+/// direction is taken to be that much.
+constexpr double smallestDirection = 1e-12;
+
+/// Nothing that is computed from coordinates up to here overflows.
+constexpr double largestCoordinate = 1e30;
+/// A direction counts as of length one when its square differs by no more.
+constexpr double unitTolerance = 1e-9;
+
+/// So many triangles without a box, and a part of all of them, are still tested one by one.
+constexpr std::size_t fewWithoutBox = 64;
+constexpr std::size_t partWithoutBox = 256;
+
+constexpr std::uint32_t trianglesPerLeaf = 4;
+constexpr std::uint32_t trianglesBetweenLooks = 4096;
+
+constexpr unsigned int bitsOfHalf = 16;
+
+bool isUsable(double coordinate) {
+    return std::abs(coordinate) <= largestCoordinate;
+}
+
+bool isUsable(const osg::Vec3d& point) {
+    return isUsable(point.x()) && isUsable(point.y()) && isUsable(point.z());
+}
+
+bool isUsable(const Triangle& triangle) {
+    return isUsable(triangle.a) && isUsable(triangle.b) && isUsable(triangle.c);
+}
+
+float roundedDown(double value) {
+    const auto nearest = static_cast<float>(value);
+    return static_cast<double>(nearest) > value ? std::nextafter(nearest, -infinity) : nearest;
+}
+
+float roundedUp(double value) {
+    return -roundedDown(-value);
+}
+
+double longestEdge2(const Triangle& triangle) {
+    return std::max({(triangle.b - triangle.a).length2(), (triangle.c - triangle.a).length2(),
+                     (triangle.c - triangle.b).length2()});
+}
+
+/// Whether a direction of length one can give the triangle a determinant that counts.
+bool canBeHit(const Triangle& triangle, double edge2) {
+    const double smallest = smallestDeterminant * (1 - unitTolerance) - 2 * errorFactor * edge2;
+    return smallest <= 0 || ((triangle.b - triangle.a) ^ (triangle.c - triangle.a)).length2() >=
+                                smallest * smallest * (1 - unitTolerance);
+}
+
+/// Whether the g of triangles with this longest edge is finite.
+bool hasBound(double edge2) {
+    return errorFactor * edge2 <= largestErrorPart * smallestDeterminant;
+}
+
+/// The g of triangles with this longest edge, as the upper half of a float.
+std::uint16_t gainOf(double edge2) {
+    const double error = errorFactor * edge2;
+    const float gain =
+        hasBound(edge2) ? roundedUp(error / (smallestDeterminant - error)) : infinity;
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &gain, sizeof bits);
+    constexpr std::uint32_t lowerHalf = (1u << bitsOfHalf) - 1;
+    return static_cast<std::uint16_t>((bits + lowerHalf) >> bitsOfHalf);
+}
+
+} // namespace
+
+class TriangleTree::Builder {
+public:
+    Builder(TriangleTree& tree, const std::atomic<bool>& cancelled)
+        : m_tree(tree), m_cancelled(cancelled) {}
+
+    /// @return whether there is a tree.
+    bool build(std::uint32_t count, const Source& source) {
+        if (!collect(count, source))
+            return false;
+        if (m_boxes.empty())
+            return true;
+        m_tree.m_unit = std::exp2(std::ceil(std::log2(static_cast<double>(m_largest))));
+        m_toUnit = static_cast<float>(1.0 / m_tree.m_unit);
+        m_order = CellOrder::of(m_boxes, m_cancelled);
+        m_tree.m_nodes.reserve(m_boxes.size() / 3 + 1);
+        buildNode({0, static_cast<std::uint32_t>(m_boxes.size())});
+        m_tree.m_numbers.reserve(m_boxes.size());
+        for (std::uint32_t i = 0; i < m_boxes.size(); ++i)
+            m_tree.m_numbers.push_back(boxAt(i).number);
+        m_tree.m_nodes.shrink_to_fit();
+        return !m_cancelled;
+    }
+
+private:
+    /// A part of the order, from `begin` to before `end`.
+    struct Range {
+        std::uint32_t begin;
+        std::uint32_t end;
+
+        std::uint32_t count() const { return end - begin; }
+    };
+
+    bool collect(std::uint32_t count, const Source& source) {
+        m_boxes.reserve(count);
+        for (std::uint32_t number = 0; number < count; ++number) {
+            if (number % trianglesBetweenLooks == 0 && m_cancelled)
+                return false;
+            add(number, source(number));
+        }
+        return m_tree.m_always.size() <= fewWithoutBox + count / partWithoutBox;
+    }
+
+    void add(std::uint32_t number, const Triangle& triangle) {
+        if (!isUsable(triangle)) {
+            m_tree.m_always.push_back(number);
+            return;
+        }
+        const double edge2 = longestEdge2(triangle);
+        if (!canBeHit(triangle, edge2))
+            return;
+        if (m_boxes.empty())
+            m_tree.m_origin = triangle.a;
+        const osg::Vec3d a = triangle.a - m_tree.m_origin;
+        const osg::Vec3d b = triangle.b - m_tree.m_origin;
+        const osg::Vec3d c = triangle.c - m_tree.m_origin;
+        NumberedBox box{};
+        for (int i = 0; i < 3; ++i) {
+            const auto axis = static_cast<std::size_t>(i);
+            box.low[axis] = roundedDown(std::min({a[i], b[i], c[i]}));
+            box.high[axis] = roundedUp(std::max({a[i], b[i], c[i]}));
+            m_largest = std::max({m_largest, -box.low[axis], box.high[axis]});
+        }
+        box.number = number;
+        box.edge2 = roundedUp(edge2);
+        if (hasBound(edge2))
+            m_tree.m_longestEdge = std::max(m_tree.m_longestEdge, std::sqrt(edge2));
+        m_boxes.push_back(box);
+    }
+
+    const NumberedBox& boxAt(std::uint32_t place) const { return m_boxes[m_order.at(place)]; }
+
+    /// Builds the node of a part, after those before. @return what its box is.
+    Box buildNode(const Range& range) {
+        const std::size_t node = m_tree.m_nodes.size();
+        m_tree.m_nodes.push_back(emptyNode());
+        std::array<Range, width> children{range};
+        const std::size_t count = split(children);
+        Box whole;
+        for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
+            const Range& child = children[i];
+            const bool isLeaf = child.count() <= trianglesPerLeaf;
+            const auto first =
+                isLeaf ? child.begin : static_cast<std::uint32_t>(m_tree.m_nodes.size());
+            const Box box = isLeaf ? boxOf(child) : buildNode(child);
+            setChild(m_tree.m_nodes[node], i, box);
+            m_tree.m_nodes[node].first[i] = first;
+            m_tree.m_nodes[node].count[i] = static_cast<std::uint8_t>(isLeaf ? child.count() : 0);
+            whole.add(box);
+        }
+        return whole;
+    }
+
+    /// Splits the first of `children` until there are as many as go into a node, or only leaves.
+    /// @return how many there are.
+    std::size_t split(std::array<Range, width>& children) const {
+        std::size_t count = 1;
+        while (count < width) {
+            const auto largest = std::max_element(
+                children.begin(), children.begin() + static_cast<std::ptrdiff_t>(count),
+                [](const Range& a, const Range& b) { return a.count() < b.count(); });
+            if (largest->count() <= trianglesPerLeaf)
+                break;
+            const std::uint32_t middle = m_order.middleOf(largest->begin, largest->end);
+            children[count++] = {middle, largest->end};
+            largest->end = middle;
+        }
+        return count;
+    }
+
+    Box boxOf(const Range& range) const {
+        Box box;
+        for (std::uint32_t i = range.begin; i < range.end; ++i)
+            box.add(boxAt(i));
+        return box;
+    }
+
+    void setChild(Node& node, std::size_t child, const Box& box) const {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            node.bounds[axis][child] = box.low[axis] * m_toUnit;
+            node.bounds[axis + 3][child] = box.high[axis] * m_toUnit;
+        }
+        node.gain[child] = gainOf(static_cast<double>(box.edge2));
+    }
+
+    static Node emptyNode() {
+        Node node{};
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            node.bounds[axis].fill(infinity);
+            node.bounds[axis + 3].fill(-infinity);
+        }
+        return node;
+    }
+
+    TriangleTree& m_tree;
+    const std::atomic<bool>& m_cancelled;
+    std::vector<NumberedBox> m_boxes;
+    float m_largest = 0.0f; ///< coordinate of any box
+    float m_toUnit = 1.0f;
+    CellOrder m_order;
+};
+
+std::optional<TriangleTree> TriangleTree::build(std::uint32_t count, const Source& source,
+                                                const std::atomic<bool>& cancelled) {
+    TriangleTree tree;
+    if (!Builder(tree, cancelled).build(count, source))
+        return std::nullopt;
+    return tree;
+}
+
+bool TriangleTree::serves(const PickRay& ray) {
+    return isUsable(ray.origin) && std::abs(ray.direction.length2() - 1.0) <= unitTolerance;
+}
+
+std::size_t TriangleTree::bytes() const {
+    return sizeof *this + m_nodes.capacity() * sizeof(Node) +
+           (m_numbers.capacity() + m_always.capacity()) * sizeof(std::uint32_t);
+}
+
+TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {
+    const osg::Vec3d toOrigin = ray.origin - m_origin;
+    const osg::Vec3d start = (toOrigin - ray.direction * (toOrigin * ray.direction)) / m_unit;
+    // No coordinate of the tree is beyond its unit, so none of its points beyond two.
+    const double distance = toOrigin.length() + 2 * m_unit;
+    Line line{};
+    for (int i = 0; i < 3; ++i) {
+        const auto axis = static_cast<std::size_t>(i);
+        const double direction = std::copysign(
+            std::max(std::abs(ray.direction[i]), smallestDirection), ray.direction[i]);
+        line.origin[axis] = static_cast<float>(start[i]);
+        line.inverse[axis] = static_cast<float>(1.0 / direction);
+        line.nearBound[axis] = direction > 0 ? axis : axis + 3;
+        line.farBound[axis] = direction > 0 ? axis + 3 : axis;
+    }
+    line.padding = static_cast<float>(treePadding * std::max(1.0, start.length()) +
+                                      distancePadding * distance / m_unit);
+    line.paddingPerGain =
+        static_cast<float>((m_longestEdge + distancesPerGain * distance) / m_unit);
+    return line;
+}
+
+std::array<bool, TriangleTree::width> TriangleTree::meets(const Node& node, const Line& line) {
+    std::array<std::uint32_t, width> bits;
+    for (std::size_t i = 0; i < width; ++i)
+        bits[i] = static_cast<std::uint32_t>(node.gain[i]) << bitsOfHalf;
+    Lane padding;
+    std::memcpy(padding.data(), bits.data(), sizeof padding);
+    for (std::size_t i = 0; i < width; ++i)
+        padding[i] = line.padding + padding[i] * line.paddingPerGain;
+    Lane begin;
+    Lane end;
+    begin.fill(-infinity);
+    end.fill(infinity);
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const Lane& nearBound = node.bounds[line.nearBound[axis]];
+        const Lane& farBound = node.bounds[line.farBound[axis]];
+        const float origin = line.origin[axis];
+        const float inverse = line.inverse[axis];
+        const float positive = std::abs(inverse);
+        for (std::size_t i = 0; i < width; ++i) {
+            const float first = (nearBound[i] - origin) * inverse - padding[i] * positive;
+            const float last = (farBound[i] - origin) * inverse + padding[i] * positive;
+            begin[i] = first > begin[i] ? first : begin[i];
+            end[i] = last < end[i] ? last : end[i];
+        }
+    }
+    std::array<bool, width> met;
+    for (std::size_t i = 0; i < width; ++i)
+        met[i] = begin[i] <= end[i];
+    return met;
+}
+
+} // namespace orbisk
