@@ -9,6 +9,7 @@
 #include "app/WebAddress.h"
 #include "app/WindowPlacement.h"
 #include "measure/MeasurementSet.h"
+#include "measure/PickDialog.h"
 #include "platform/Platform.h"
 #include "settings/AppSettings.h"
 #include "view/ModelWriter.h"
@@ -33,6 +34,8 @@ constexpr int canvasAttributes[] = {
 constexpr const char* canvasPane = translatable("Canvas");
 constexpr const char* welcomePane = translatable("PanelInit");
 constexpr const char* toolBarPane = "Toolbar";
+/// From the table to the right edge and to the top.
+constexpr int tableMargin = 50;
 
 /// A pane that fills the centre and stays there.
 wxAuiPaneInfo centrePane(const char* name) {
@@ -99,7 +102,9 @@ wxBEGIN_EVENT_TABLE(OrbiskFrame, wxFrame)
 wxEND_EVENT_TABLE()
 // clang-format on
 
-OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id) : m_docking(nullptr) {
+OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
+    : m_docking(nullptr), m_drawing(measurementSet()),
+      m_interaction(measurementSet(), m_drawing, {}) {
     Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
     SetIcons(platform::programIcon());
     m_docking.SetManagedWindow(this);
@@ -117,6 +122,7 @@ OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id) : m_docking(nullptr) {
 }
 
 OrbiskFrame::~OrbiskFrame() {
+    closeMeasurementTable();
     platform::closeHelp();
     saveSettingsWithPlace();
     m_viewer.detachCanvas();
@@ -205,6 +211,9 @@ void OrbiskFrame::rebuildContents() {
     for (const CommandRow& row : commandTable)
         if (row.group != CommandGroup::None && m_bars->isChecked(row.command))
             checked.push_back(row.command);
+    const bool tableWasOpen = m_measurementTable;
+    closeMeasurementTable();
+    m_interaction.setSurface(nullptr);
     m_viewer.detachCanvas();
     const wxAuiPaneInfoArray panes = m_docking.GetAllPanes();
     for (std::size_t i = 0; i < panes.GetCount(); ++i)
@@ -222,8 +231,12 @@ void OrbiskFrame::rebuildContents() {
     for (const Command command : checked)
         m_bars->setChecked(command, true);
     m_docking.Update();
-    if (m_viewer.exists())
+    if (m_viewer.exists()) {
         m_viewer.attachCanvas(*m_canvas);
+        connectMeasuring();
+    }
+    if (tableWasOpen)
+        showMeasurementTable();
 }
 
 void OrbiskFrame::switchLanguage(int language) {
@@ -261,10 +274,12 @@ void OrbiskFrame::createOSGViewer() {
         return;
     }
     replaceWelcomePanel();
-    measurementSet().clear();
+    m_interaction.endMode();
+    m_interaction.clear();
     m_bars->uncheckGroup(CommandGroup::Display);
     m_bars->uncheckGroup(CommandGroup::Measure);
     m_viewer.showModel(*model, ensureCanvas(), appSettings().fovy, appSettings().sky_show != 0);
+    connectMeasuring();
 }
 
 void OrbiskFrame::onSize(wxSizeEvent& event) {
@@ -285,6 +300,7 @@ void OrbiskFrame::stretchToolBar() {
 
 void OrbiskFrame::onIdle(wxIdleEvent& event) {
     event.Skip();
+    m_interaction.updatePreview();
     if (!m_loader->isLoading() && m_viewer.renderFrame())
         event.RequestMore();
 }
@@ -346,6 +362,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
     case Command::AreaPick:
     case Command::AutomaticRoam:
         return setMeasureMode(command, checked);
+    case Command::MeasureTable:
+        return showMeasurementTable();
     default:
         return;
     }
@@ -394,6 +412,14 @@ void OrbiskFrame::setMeasureMode(Command command, bool checked) {
         command == Command::AutomaticRoam ? !checked : m_bars->isChecked(Command::AutomaticRoam);
     leaveMeasureModes(roamWasOn);
     m_bars->setChecked(command, checked);
+    if (command == Command::PointPick)
+        m_interaction.setPointMode(checked);
+    else if (command == Command::LinePick)
+        m_interaction.setLineMode(checked);
+    else if (command == Command::AreaPick)
+        m_interaction.setAreaMode(checked);
+    else
+        m_interaction.setTravelMode(checked);
 }
 
 void OrbiskFrame::showToolBar(bool shown) {
@@ -419,7 +445,29 @@ void OrbiskFrame::leaveMeasureModes(bool roamWasOn) {
     m_bars->uncheckGroup(CommandGroup::Measure);
     if (roamWasOn)
         m_viewer.resetManipulator();
-    m_viewer.hideDrawing();
+    closeMeasurementTable();
+    m_interaction.endMode();
+}
+
+void OrbiskFrame::connectMeasuring() {
+    m_drawing.setModelSwitch(m_viewer.scene().modelSwitch());
+    m_interaction.setSurface(m_viewer.pickSurface());
+    m_canvas->setInteraction(&m_interaction);
+}
+
+void OrbiskFrame::showMeasurementTable() {
+    if (m_measurementTable)
+        return;
+    m_measurementTable = new PickDialog(this, measurementSet(), m_interaction);
+    m_measurementTable->Move(GetSize().x - m_measurementTable->GetSize().x - tableMargin,
+                             tableMargin);
+    m_interaction.setTable(m_measurementTable);
+    m_measurementTable->Show();
+}
+
+void OrbiskFrame::closeMeasurementTable() {
+    if (m_measurementTable)
+        m_measurementTable->Destroy();
 }
 
 void OrbiskFrame::openRecent(std::size_t index) {

@@ -1,11 +1,14 @@
 #pragma once
 
 #include "app/CommandBars.h"
+#include "measure/MeasurementDrawing.h"
+#include "measure/PickInteraction.h"
 #include "view/ModelLoader.h"
 #include "view/Viewer.h"
 
 #include <wx/aui/framemanager.h>
 #include <wx/frame.h>
+#include <wx/weakref.h>
 
 #include <memory>
 
@@ -13,6 +16,7 @@ namespace orbisk {
 
 class InitPanel;
 class OSGCanvas;
+class PickDialog;
 
 /// The main window. It owns the parts of the program (docking panes, bars, loader, viewer) and
 /// connects them. Main thread.
@@ -39,6 +43,11 @@ public:
     CommandBars& bars() { return *m_bars; }
 
     wxAuiManager& docking() { return m_docking; }
+
+    PickInteraction& interaction() { return m_interaction; }
+
+    /// Null while it is closed.
+    PickDialog* measurementTable() const { return m_measurementTable; }
 
     /// Null once the first model has been shown.
     InitPanel* welcomePanel() const { return m_welcomePanel; }
@@ -72,6 +81,9 @@ private:
     void showSkybox(bool shown);
     void resetModel();
     void leaveMeasureModes(bool roamWasOn);
+    void connectMeasuring();
+    void showMeasurementTable();
+    void closeMeasurementTable();
     void openRecent(std::size_t index);
 
     wxAuiManager m_docking;
@@ -80,6 +92,9 @@ private:
     std::unique_ptr<ModelLoader> m_loader;
     std::unique_ptr<CommandBars> m_bars;
     Viewer m_viewer;
+    MeasurementDrawing m_drawing;
+    PickInteraction m_interaction;
+    wxWeakRef<PickDialog> m_measurementTable;
     bool m_closeAfterLoad = false;
 
     wxDECLARE_EVENT_TABLE();

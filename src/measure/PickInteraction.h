@@ -38,6 +38,7 @@ enum class PickCommand : int {
     ClearTravel
 };
 
+/// An entry of a context menu.
 struct PickMenuItem {
     PickCommand command;
     const char* label; ///< in the source's language

@@ -8,6 +8,7 @@
 
 namespace orbisk {
 
+/// Three corners, in world coordinates.
 struct Triangle {
     osg::Vec3d a;
     osg::Vec3d b;

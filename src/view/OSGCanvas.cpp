@@ -4,6 +4,8 @@
 #include "view/ThreadingPause.h"
 
 #include <wx/dcclient.h>
+#include <wx/intl.h>
+#include <wx/menu.h>
 #include <wx/thread.h>
 
 #include <algorithm>
@@ -12,6 +14,8 @@ namespace orbisk {
 
 namespace {
 
+constexpr unsigned int pickButton = 1;
+constexpr unsigned int menuButton = 2;
 constexpr unsigned int panButton = 2;
 constexpr unsigned int zoomButton = 3;
 
@@ -26,6 +30,10 @@ unsigned int viewerButton(int toolkitButton) {
     default:
         return static_cast<unsigned int>(toolkitButton);
     }
+}
+
+CanvasPixel canvasPixel(const osg::Vec2f& position) {
+    return {static_cast<int>(position.x()), static_cast<int>(position.y())};
 }
 
 /// Leaves the thread it lives in without a current context when that thread ends.
@@ -61,7 +69,10 @@ OSGCanvas::OSGCanvas(wxWindow* parent, wxWindowID id, const int* attributes, con
                      const wxSize& size, long style, const wxString& name)
     : wxGLCanvas(parent, id, attributes, pos, size, style | wxFULL_REPAINT_ON_RESIZE, name,
                  wxNullPalette),
-      m_context(this) {}
+      m_context(this) {
+    Bind(wxEVT_MENU, &OSGCanvas::onPickMenu, this, static_cast<int>(PickCommand::DeletePoint),
+         static_cast<int>(PickCommand::ClearTravel));
+}
 
 OSGCanvas::~OSGCanvas() = default;
 
@@ -78,9 +89,12 @@ void OSGCanvas::setGraphicsWindow(GraphicsWindowWX* window) {
     m_graphicsWindow = window;
 }
 
-void OSGCanvas::setScene(osgViewer::Viewer* viewer, osg::Switch* modelSwitch) {
+void OSGCanvas::setViewer(osgViewer::Viewer* viewer) {
     m_viewer = viewer;
-    m_modelSwitch = modelSwitch;
+}
+
+void OSGCanvas::setInteraction(PickInteraction* interaction) {
+    m_interaction = interaction;
 }
 
 ViewSize OSGCanvas::pixelSize() const {
@@ -138,15 +152,39 @@ void OSGCanvas::onButtonUp(wxMouseEvent& event) {
     if (!m_graphicsWindow)
         return;
     const osg::Vec2f position = pixelPosition(event);
-    queue().mouseButtonRelease(position.x(), position.y(), viewerButton(event.GetButton()),
-                               eventTime());
+    const unsigned int button = viewerButton(event.GetButton());
+    queue().mouseButtonRelease(position.x(), position.y(), button, eventTime());
+    const bool isClick = event.GetPosition() == m_pressPosition;
+    if (!isClick || !m_interaction)
+        return;
+    if (button == pickButton)
+        m_interaction->onLeftClick(canvasPixel(position));
+    else if (button == menuButton)
+        showPickMenu(canvasPixel(position));
+}
+
+void OSGCanvas::showPickMenu(CanvasPixel pixel) {
+    wxMenu menu;
+    for (const PickMenuItem& item : m_interaction->onRightClick(pixel))
+        menu.Append(static_cast<int>(item.command), wxGetTranslation(item.label))
+            ->Enable(item.enabled);
+    if (menu.GetMenuItemCount() > 0)
+        PopupMenu(&menu);
+}
+
+void OSGCanvas::onPickMenu(wxCommandEvent& event) {
+    if (m_interaction)
+        m_interaction->run(static_cast<PickCommand>(event.GetId()));
 }
 
 void OSGCanvas::onMotion(wxMouseEvent& event) {
-    if (!m_graphicsWindow || !anyButtonDown(event))
+    if (!m_graphicsWindow)
         return;
     const osg::Vec2f position = pixelPosition(event);
-    queue().mouseMotion(position.x(), position.y(), eventTime());
+    if (anyButtonDown(event))
+        queue().mouseMotion(position.x(), position.y(), eventTime());
+    if (m_interaction)
+        m_interaction->onMouseMotion(canvasPixel(position));
 }
 
 void OSGCanvas::onWheel(wxMouseEvent& event) {

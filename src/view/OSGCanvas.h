@@ -1,9 +1,9 @@
 #pragma once
 
+#include "measure/PickInteraction.h"
 #include "view/GraphicsWindowWX.h"
 #include "view/ViewCamera.h"
 
-#include <osg/Switch>
 #include <osgViewer/Viewer>
 #include <wx/glcanvas.h>
 
@@ -27,8 +27,11 @@ public:
 
     GraphicsWindowWX* graphicsWindow() const { return m_graphicsWindow.get(); }
 
-    /// Takes over what measuring picks on and draws into.
-    void setScene(osgViewer::Viewer* viewer, osg::Switch* modelSwitch);
+    /// The viewer that draws here; null while none does.
+    void setViewer(osgViewer::Viewer* viewer);
+
+    /// What clicks and motions measure with from now on; null: nothing.
+    void setInteraction(PickInteraction* interaction);
 
     /// Client size in physical pixels, at least one each way.
     ViewSize pixelSize() const;
@@ -46,6 +49,8 @@ private:
     void onButtonUp(wxMouseEvent& event);
     void onMotion(wxMouseEvent& event);
     void onWheel(wxMouseEvent& event);
+    void onPickMenu(wxCommandEvent& event);
+    void showPickMenu(CanvasPixel pixel);
 
     /// An event's position in physical pixels, origin top left.
     osg::Vec2f pixelPosition(const wxMouseEvent& event) const;
@@ -56,7 +61,7 @@ private:
     wxPoint m_lastPosition;
     osg::ref_ptr<GraphicsWindowWX> m_graphicsWindow;
     osg::observer_ptr<osgViewer::Viewer> m_viewer;
-    osg::observer_ptr<osg::Switch> m_modelSwitch;
+    PickInteraction* m_interaction = nullptr;
     wxGLContext m_context;
 
     wxDECLARE_EVENT_TABLE();

@@ -110,11 +110,6 @@ void SceneRoot::setSkyShown(bool shown) {
         m_root->setValue(skyboxChild, shown);
 }
 
-void SceneRoot::hideDrawing() {
-    if (m_modelSwitch)
-        m_modelSwitch->setValue(drawingSlot, false);
-}
-
 void SceneRoot::clear() {
     m_root->removeChildren(0, m_root->getNumChildren());
 }

@@ -25,7 +25,6 @@ public:
     HomeView rebuild(osg::Node& model, osg::Camera& camera, bool skyShown);
 
     void setSkyShown(bool shown);
-    void hideDrawing();
 
     /// Empties the root. The sky holds the camera that holds the scene: without this both leak.
     void clear();

@@ -42,6 +42,7 @@ void Viewer::showModel(osg::Node& model, OSGCanvas& canvas, double fovy, bool sk
         m_viewer->realize();
     }
     const ThreadingPause pause(m_viewer.get());
+    m_pickIndex.clear();
     m_model = &model;
     m_home = m_scene.rebuild(model, *m_viewer->getCamera(), skyShown);
     // The trackball moves in proportion to the model, not to the sky around it.
@@ -49,8 +50,9 @@ void Viewer::showModel(osg::Node& model, OSGCanvas& canvas, double fovy, bool sk
     setHome(*m_trackball, m_home);
     if (m_viewer->getCameraManipulator() != m_trackball)
         m_viewer->setCameraManipulator(m_trackball, false);
-    canvas.setScene(m_viewer.get(), m_scene.modelSwitch());
+    canvas.setViewer(m_viewer.get());
     m_viewer->home();
+    m_pickIndex.add(model);
 }
 
 void Viewer::detachCanvas() {
@@ -64,7 +66,7 @@ void Viewer::detachCanvas() {
     window->close();
     m_viewer->getCamera()->setGraphicsContext(nullptr);
     m_canvas->setGraphicsWindow(nullptr);
-    m_canvas->setScene(nullptr, nullptr);
+    m_canvas->setViewer(nullptr);
     m_canvas = nullptr;
 }
 
@@ -76,7 +78,7 @@ void Viewer::attachCanvas(OSGCanvas& canvas) {
     camera.setProjectionMatrix(camera.getProjectionMatrix() *
                                osg::Matrixd::scale(formerAspect * size.h / size.w, 1.0, 1.0));
     camera.setViewport(0, 0, size.w, size.h);
-    canvas.setScene(m_viewer.get(), m_scene.modelSwitch());
+    canvas.setViewer(m_viewer.get());
     m_viewer->startThreading();
 }
 
@@ -101,8 +103,16 @@ void Viewer::setSkyShown(bool shown) {
     m_scene.setSkyShown(shown);
 }
 
-void Viewer::hideDrawing() {
-    m_scene.hideDrawing();
+PickSurface* Viewer::pickSurface() {
+    if (!m_canvas)
+        return nullptr;
+    PickView view;
+    view.camera = m_viewer->getCamera();
+    view.modelSwitch = m_scene.modelSwitch();
+    view.canvasHeight = [canvas = m_canvas] { return canvas->pixelSize().h; };
+    view.pauseDrawing = [this] { return std::make_shared<ThreadingPause>(m_viewer.get()); };
+    m_picker.emplace(std::move(view), &m_pickIndex);
+    return &*m_picker;
 }
 
 } // namespace orbisk

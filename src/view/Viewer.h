@@ -1,9 +1,13 @@
 #pragma once
 
+#include "measure/PickIndex.h"
+#include "measure/Picker.h"
 #include "view/OSGCanvas.h"
 #include "view/SceneRoot.h"
 
 #include <osgViewer/Viewer>
+
+#include <optional>
 
 namespace orbisk {
 
@@ -38,7 +42,10 @@ public:
     void resetManipulator();
 
     void setSkyShown(bool shown);
-    void hideDrawing();
+
+    /// What the pointer picks on: the model as the camera shows it on the canvas. To be asked for
+    /// again after a model was shown or the canvas replaced; null without either.
+    PickSurface* pickSurface();
 
     /// Null before the first model.
     osgViewer::Viewer* osgViewer() const { return m_viewer.get(); }
@@ -51,6 +58,8 @@ private:
     void create(OSGCanvas& canvas, double fovy);
     void bind(OSGCanvas& canvas);
 
+    PickIndex m_pickIndex;
+    std::optional<Picker> m_picker;
     SceneRoot m_scene;
     HomeView m_home;
     osg::ref_ptr<osgViewer::Viewer> m_viewer;

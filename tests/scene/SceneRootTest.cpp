@@ -89,7 +89,6 @@ TEST_F(SceneRootTest, IsEmptyBeforeTheFirstModel) {
     EXPECT_EQ(m_scene.root()->getNumChildren(), 0u);
     EXPECT_EQ(m_scene.modelSwitch(), nullptr);
     m_scene.setSkyShown(true);
-    m_scene.hideDrawing();
     m_scene.clear();
     EXPECT_EQ(m_scene.root()->getNumChildren(), 0u);
 }
@@ -286,14 +285,6 @@ TEST_F(SceneRootTest, RootStaysTheSameForEveryModel) {
     rebuild(*makeModel());
     rebuild(*makeModel());
     EXPECT_EQ(m_scene.root(), root);
-}
-
-TEST_F(SceneRootTest, HidingTheDrawingLeavesTheModelOn) {
-    rebuild(*makeModel());
-    m_scene.hideDrawing();
-    EXPECT_FALSE(m_scene.modelSwitch()->getValue(SceneRoot::drawingSlot));
-    for (unsigned int i = 1; i < 4; ++i)
-        EXPECT_TRUE(m_scene.modelSwitch()->getValue(i));
 }
 
 TEST_F(SceneRootTest, ClearingLetsCameraAndSceneGo) {
