@@ -15,18 +15,18 @@ constexpr std::size_t digitValues = 1u << digitBits;
 /// Fewer are sorted faster by comparing.
 constexpr std::size_t fewKeys = 2048;
 
-float middle2(const NumberedBox& box, std::size_t axis) {
-    return box.low[axis] + box.high[axis];
+float middle2(const TriangleRun& run, std::size_t axis) {
+    return run.low[axis] + run.high[axis];
 }
 
 /// Numbers the cells. Their bits are shared out between the axes by the sides' lengths.
 class CellNumbers {
 public:
-    explicit CellNumbers(const std::vector<NumberedBox>& boxes) {
+    explicit CellNumbers(const std::vector<TriangleRun>& runs) {
         std::array<double, 3> side{};
         for (std::size_t axis = 0; axis < 3; ++axis) {
             const auto [least, most] = std::minmax_element(
-                boxes.begin(), boxes.end(), [axis](const NumberedBox& a, const NumberedBox& b) {
+                runs.begin(), runs.end(), [axis](const TriangleRun& a, const TriangleRun& b) {
                     return middle2(a, axis) < middle2(b, axis);
                 });
             m_axes[axis].start = static_cast<double>(middle2(*least, axis));
@@ -35,12 +35,12 @@ public:
         shareBits(side);
     }
 
-    std::uint32_t of(const NumberedBox& box) const {
+    std::uint32_t of(const TriangleRun& run) const {
         std::uint32_t cell = 0;
         for (std::size_t axis = 0; axis < 3; ++axis) {
             const Axis& along = m_axes[axis];
             const double part =
-                (static_cast<double>(middle2(box, axis)) - along.start) * along.scale;
+                (static_cast<double>(middle2(run, axis)) - along.start) * along.scale;
             auto step = static_cast<std::uint32_t>(std::min(part, along.last));
             for (std::size_t byte = 0; byte < along.bytes; ++byte, step >>= bitsOfByte)
                 cell |= along.spread[byte][step % valuesOfByte];
@@ -120,12 +120,12 @@ void sortByCell(std::vector<std::uint64_t>& keys, const std::atomic<bool>& cance
 
 } // namespace
 
-CellOrder CellOrder::of(const std::vector<NumberedBox>& boxes, const std::atomic<bool>& cancelled) {
+CellOrder CellOrder::of(const std::vector<TriangleRun>& runs, const std::atomic<bool>& cancelled) {
     CellOrder order;
-    const CellNumbers cells(boxes);
-    order.m_keys.reserve(boxes.size());
-    for (std::size_t i = 0; i < boxes.size(); ++i)
-        order.m_keys.push_back(static_cast<std::uint64_t>(cells.of(boxes[i])) << cellBits | i);
+    const CellNumbers cells(runs);
+    order.m_keys.reserve(runs.size());
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        order.m_keys.push_back(static_cast<std::uint64_t>(cells.of(runs[i])) << cellBits | i);
     sortByCell(order.m_keys, cancelled);
     return order;
 }

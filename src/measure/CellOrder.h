@@ -29,24 +29,25 @@ private:
     static constexpr float largest = std::numeric_limits<float>::infinity();
 };
 
-/// The box of one triangle.
-struct NumberedBox {
+/// The box of triangles with consecutive numbers.
+struct TriangleRun {
     std::array<float, 3> low;
     std::array<float, 3> high;
     float edge2;
-    std::uint32_t number;
+    std::uint32_t first;
+    std::uint32_t count;
 };
 
-/// Boxes in the order of the cells their middles lie in. A cell is halved across its longer side,
-/// again and again; each half comes with all that is in it before the other.
+/// Boxes of runs in the order of the cells their middles lie in. A cell is halved across its longer
+/// side, again and again; each half comes with all that is in it before the other.
 class CellOrder {
 public:
     CellOrder() = default;
 
-    /// Orders the boxes, which must be finite. Where it is cancelled they are in any order.
-    static CellOrder of(const std::vector<NumberedBox>& boxes, const std::atomic<bool>& cancelled);
+    /// Orders the runs, whose boxes must be finite. Where it is cancelled they are in any order.
+    static CellOrder of(const std::vector<TriangleRun>& runs, const std::atomic<bool>& cancelled);
 
-    /// Which box stands at this place.
+    /// Which run stands at this place.
     std::uint32_t at(std::uint32_t place) const {
         return static_cast<std::uint32_t>(m_keys[place]);
     }
@@ -56,7 +57,7 @@ public:
     std::uint32_t middleOf(std::uint32_t begin, std::uint32_t end) const;
 
 private:
-    /// The cell in the upper half, the box in the lower.
+    /// The cell in the upper half, the run in the lower.
     std::vector<std::uint64_t> m_keys;
 };
 

@@ -22,6 +22,28 @@ Place placeOf(std::uint32_t number, const std::vector<std::uint32_t>& firstNumbe
     return {set, number - firstNumbers[set]};
 }
 
+/// The triangles of primitive sets, one after the other. Refers to the sets.
+class SetWalk {
+public:
+    using Sets = std::vector<osg::ref_ptr<const osg::PrimitiveSet>>;
+
+    explicit SetWalk(const Sets& sets) : m_next(sets.begin()) {}
+
+    /// The corners of the next triangle, which there must be.
+    TriangleCorners next() {
+        while (!m_triangles || m_number == m_triangles->count()) {
+            m_triangles.emplace(**m_next++);
+            m_number = 0;
+        }
+        return m_triangles->corners(m_number++);
+    }
+
+private:
+    Sets::const_iterator m_next;
+    std::optional<PickTriangles> m_triangles;
+    std::size_t m_number = 0;
+};
+
 unsigned int sizeOf(const osg::Array* array) {
     return array ? array->getNumElements() : 0;
 }
@@ -81,10 +103,8 @@ std::optional<GeometryIndex> GeometryIndex::build(const GeometrySource& source,
             return std::nullopt;
     }
     const PickVertices vertices(source.vertices.get(), source.matrix);
-    const auto triangle = [&](std::uint32_t number) {
-        const Place place = placeOf(number, index.m_firstNumbers);
-        return vertices.triangle(PickTriangles(*source.sets[place.set]).corners(place.number));
-    };
+    SetWalk walk(source.sets);
+    const auto triangle = [&](std::uint32_t) { return vertices.triangle(walk.next()); };
     std::optional<TriangleTree> tree =
         TriangleTree::build(static_cast<std::uint32_t>(count), triangle, cancelled);
     if (!tree)

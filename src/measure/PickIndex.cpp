@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <typeinfo>
 #include <utility>
 
 namespace orbisk {
@@ -21,7 +22,7 @@ constexpr unsigned int fewestPicksBetweenCleanings = 64;
 /// Whether some part of the program may write the geometry's vertices at any time, as animations
 /// do. A subclass may do with them what it likes.
 bool mayBeWritten(const osg::Geometry& geometry) {
-    const bool isPlain = std::strcmp(geometry.libraryName(), "osg") == 0;
+    const bool isPlain = typeid(geometry) == typeid(osg::Geometry);
     return !isPlain || geometry.getDataVariance() == osg::Object::DYNAMIC ||
            geometry.getVertexArray()->getDataVariance() == osg::Object::DYNAMIC;
 }

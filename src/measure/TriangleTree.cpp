@@ -38,7 +38,7 @@ constexpr double unitTolerance = 1e-9;
 constexpr std::size_t fewWithoutBox = 64;
 constexpr std::size_t partWithoutBox = 256;
 
-constexpr std::uint32_t trianglesPerLeaf = 4;
+constexpr std::uint32_t longestRun = 4;
 constexpr std::uint32_t trianglesBetweenLooks = 4096;
 
 constexpr unsigned int bitsOfHalf = 16;
@@ -92,6 +92,46 @@ std::uint16_t gainOf(double edge2) {
     return static_cast<std::uint16_t>((bits + lowerHalf) >> bitsOfHalf);
 }
 
+/// The box of the triangles of a run, while there come more.
+struct OpenRun {
+    osg::Vec3d low;
+    osg::Vec3d high;
+    double edge2 = 0.0;
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+};
+
+double halfGirth(const osg::Vec3d& low, const osg::Vec3d& high) {
+    const osg::Vec3d size = high - low;
+    return size.x() + size.y() + size.z();
+}
+
+OpenRun runOf(std::uint32_t number, const Triangle& triangle, double edge2) {
+    OpenRun run{triangle.a, triangle.a, edge2, number, 1};
+    for (int i = 0; i < 3; ++i) {
+        run.low[i] = std::min({triangle.a[i], triangle.b[i], triangle.c[i]});
+        run.high[i] = std::max({triangle.a[i], triangle.b[i], triangle.c[i]});
+    }
+    return run;
+}
+
+/// Puts the next triangle into a run, where the box of both is no longer around than theirs
+/// together. @return whether it did.
+bool join(OpenRun& run, const OpenRun& next) {
+    if (run.count == 0 || run.count == longestRun)
+        return false;
+    osg::Vec3d low;
+    osg::Vec3d high;
+    for (int i = 0; i < 3; ++i) {
+        low[i] = std::min(run.low[i], next.low[i]);
+        high[i] = std::max(run.high[i], next.high[i]);
+    }
+    if (halfGirth(low, high) > halfGirth(run.low, run.high) + halfGirth(next.low, next.high))
+        return false;
+    run = {low, high, std::max(run.edge2, next.edge2), run.first, run.count + 1};
+    return true;
+}
+
 } // namespace
 
 class TriangleTree::Builder {
@@ -103,17 +143,14 @@ public:
     bool build(std::uint32_t count, const Source& source) {
         if (!collect(count, source))
             return false;
-        if (m_boxes.empty())
+        if (m_runs.empty())
             return true;
+        m_tree.m_longestEdge = std::sqrt(m_longestEdge2);
         m_tree.m_unit = std::exp2(std::ceil(std::log2(static_cast<double>(m_largest))));
         m_toUnit = static_cast<float>(1.0 / m_tree.m_unit);
-        m_order = CellOrder::of(m_boxes, m_cancelled);
-        m_tree.m_nodes.reserve(m_boxes.size() / 3 + 1);
-        buildNode({0, static_cast<std::uint32_t>(m_boxes.size())});
-        m_tree.m_numbers.reserve(m_boxes.size());
-        for (std::uint32_t i = 0; i < m_boxes.size(); ++i)
-            m_tree.m_numbers.push_back(boxAt(i).number);
-        m_tree.m_nodes.shrink_to_fit();
+        m_order = CellOrder::of(m_runs, m_cancelled);
+        m_tree.m_nodes.reserve(m_runs.size() / (width - 1) + 1);
+        buildNode({0, static_cast<std::uint32_t>(m_runs.size())});
         return !m_cancelled;
     }
 
@@ -127,43 +164,56 @@ private:
     };
 
     bool collect(std::uint32_t count, const Source& source) {
-        m_boxes.reserve(count);
+        m_runs.reserve(count / longestRun);
         for (std::uint32_t number = 0; number < count; ++number) {
             if (number % trianglesBetweenLooks == 0 && m_cancelled)
                 return false;
             add(number, source(number));
         }
+        closeRun();
         return m_tree.m_always.size() <= fewWithoutBox + count / partWithoutBox;
     }
 
     void add(std::uint32_t number, const Triangle& triangle) {
-        if (!isUsable(triangle)) {
-            m_tree.m_always.push_back(number);
+        const bool usable = isUsable(triangle);
+        const double edge2 = usable ? longestEdge2(triangle) : 0.0;
+        if (!usable || !canBeHit(triangle, edge2)) {
+            closeRun();
+            if (!usable)
+                m_tree.m_always.push_back(number);
             return;
         }
-        const double edge2 = longestEdge2(triangle);
-        if (!canBeHit(triangle, edge2))
-            return;
-        if (m_boxes.empty())
-            m_tree.m_origin = triangle.a;
-        const osg::Vec3d a = triangle.a - m_tree.m_origin;
-        const osg::Vec3d b = triangle.b - m_tree.m_origin;
-        const osg::Vec3d c = triangle.c - m_tree.m_origin;
-        NumberedBox box{};
-        for (int i = 0; i < 3; ++i) {
-            const auto axis = static_cast<std::size_t>(i);
-            box.low[axis] = roundedDown(std::min({a[i], b[i], c[i]}));
-            box.high[axis] = roundedUp(std::max({a[i], b[i], c[i]}));
-            m_largest = std::max({m_largest, -box.low[axis], box.high[axis]});
-        }
-        box.number = number;
-        box.edge2 = roundedUp(edge2);
         if (hasBound(edge2))
-            m_tree.m_longestEdge = std::max(m_tree.m_longestEdge, std::sqrt(edge2));
-        m_boxes.push_back(box);
+            m_longestEdge2 = std::max(m_longestEdge2, edge2);
+        const OpenRun next = runOf(number, triangle, edge2);
+        if (!join(m_open, next)) {
+            closeRun();
+            m_open = next;
+        }
     }
 
-    const NumberedBox& boxAt(std::uint32_t place) const { return m_boxes[m_order.at(place)]; }
+    void closeRun() {
+        if (m_open.count == 0)
+            return;
+        if (m_runs.empty())
+            m_tree.m_origin = m_open.low;
+        const osg::Vec3d low = m_open.low - m_tree.m_origin;
+        const osg::Vec3d high = m_open.high - m_tree.m_origin;
+        TriangleRun run{};
+        for (int i = 0; i < 3; ++i) {
+            const auto axis = static_cast<std::size_t>(i);
+            run.low[axis] = roundedDown(low[i]);
+            run.high[axis] = roundedUp(high[i]);
+            m_largest = std::max({m_largest, -run.low[axis], run.high[axis]});
+        }
+        run.edge2 = roundedUp(m_open.edge2);
+        run.first = m_open.first;
+        run.count = m_open.count;
+        m_runs.push_back(run);
+        m_open.count = 0;
+    }
+
+    const TriangleRun& runAt(std::uint32_t place) const { return m_runs[m_order.at(place)]; }
 
     /// Builds the node of a part, after those before. @return what its box is.
     Box buildNode(const Range& range) {
@@ -174,40 +224,41 @@ private:
         Box whole;
         for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
             const Range& child = children[i];
-            const bool isLeaf = child.count() <= trianglesPerLeaf;
-            const auto first =
-                isLeaf ? child.begin : static_cast<std::uint32_t>(m_tree.m_nodes.size());
-            const Box box = isLeaf ? boxOf(child) : buildNode(child);
+            Box box;
+            std::uint32_t first = 0;
+            std::uint32_t triangles = 0;
+            if (child.count() == 1) {
+                const TriangleRun& run = runAt(child.begin);
+                box.add(run);
+                first = run.first;
+                triangles = run.count;
+            } else {
+                first = static_cast<std::uint32_t>(m_tree.m_nodes.size());
+                box = buildNode(child);
+            }
             setChild(m_tree.m_nodes[node], i, box);
             m_tree.m_nodes[node].first[i] = first;
-            m_tree.m_nodes[node].count[i] = static_cast<std::uint8_t>(isLeaf ? child.count() : 0);
+            m_tree.m_nodes[node].count[i] = static_cast<std::uint8_t>(triangles);
             whole.add(box);
         }
         return whole;
     }
 
-    /// Splits the first of `children` until there are as many as go into a node, or only leaves.
-    /// @return how many there are.
+    /// Splits the largest of `children`, at first their only one, until there are as many as go
+    /// into a node, or only runs. @return how many there are.
     std::size_t split(std::array<Range, width>& children) const {
         std::size_t count = 1;
         while (count < width) {
             const auto largest = std::max_element(
                 children.begin(), children.begin() + static_cast<std::ptrdiff_t>(count),
                 [](const Range& a, const Range& b) { return a.count() < b.count(); });
-            if (largest->count() <= trianglesPerLeaf)
+            if (largest->count() == 1)
                 break;
             const std::uint32_t middle = m_order.middleOf(largest->begin, largest->end);
             children[count++] = {middle, largest->end};
             largest->end = middle;
         }
         return count;
-    }
-
-    Box boxOf(const Range& range) const {
-        Box box;
-        for (std::uint32_t i = range.begin; i < range.end; ++i)
-            box.add(boxAt(i));
-        return box;
     }
 
     void setChild(Node& node, std::size_t child, const Box& box) const {
@@ -229,8 +280,10 @@ private:
 
     TriangleTree& m_tree;
     const std::atomic<bool>& m_cancelled;
-    std::vector<NumberedBox> m_boxes;
-    float m_largest = 0.0f; ///< coordinate of any box
+    OpenRun m_open;
+    std::vector<TriangleRun> m_runs;
+    double m_longestEdge2 = 0.0; ///< of those with a finite g
+    float m_largest = 0.0f;      ///< coordinate of any box
     float m_toUnit = 1.0f;
     CellOrder m_order;
 };
@@ -249,7 +302,7 @@ bool TriangleTree::serves(const PickRay& ray) {
 
 std::size_t TriangleTree::bytes() const {
     return sizeof *this + m_nodes.capacity() * sizeof(Node) +
-           (m_numbers.capacity() + m_always.capacity()) * sizeof(std::uint32_t);
+           m_always.capacity() * sizeof(std::uint32_t);
 }
 
 TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {

@@ -36,8 +36,9 @@ namespace orbisk {
 /// and the line is taken from where it is nearest to that: rounding is then in proportion to the
 /// tree, wherever in the world it and the ray's origin are.
 ///
-/// The triangles are sorted along a curve of cells that halve each other, the longer side first,
-/// and the tree is read off that order. Boxes are made from the leaves up.
+/// Triangles that follow each other and lie together, as neighbours in a mesh mostly do, form runs.
+/// The runs are sorted along a curve of cells that halve each other, the longer side first, and the
+/// tree is read off that order. Boxes are made from the leaves up.
 ///
 /// Immutable once built; may be read by several threads.
 class TriangleTree {
@@ -48,7 +49,7 @@ public:
     /// A tree without triangles.
     TriangleTree() = default;
 
-    /// Builds the tree of the triangles 0 to `count` - 1, each asked for once. Those that
+    /// Builds the tree of the triangles 0 to `count` - 1, asked for in that order. Those that
     /// `intersect` never finds to be hit are left out. `source` may throw: nothing is built then.
     /// @param cancelled is looked at now and then from the calling thread.
     /// @return nothing if it was cancelled, or if a number of triangles that makes a tree useless
@@ -81,8 +82,9 @@ public:
                     continue;
                 if (node.count[i] == 0)
                     waiting[count++] = node.first[i];
-                for (std::uint32_t k = node.first[i]; k < node.first[i] + node.count[i]; ++k)
-                    visit(m_numbers[k]);
+                for (std::uint32_t number = node.first[i]; number < node.first[i] + node.count[i];
+                     ++number)
+                    visit(number);
             }
         }
     }
@@ -104,7 +106,7 @@ private:
     /// The boxes of four children side by side. A child that is not there has an empty one.
     struct alignas(64) Node {
         std::array<Lane, 6> bounds;             ///< low x, y, z, high x, y, z
-        std::array<std::uint32_t, width> first; ///< a child's node, or first triangle
+        std::array<std::uint32_t, width> first; ///< a child's node, or its first triangle
         std::array<std::uint16_t, width> gain;  ///< upper half of the float that is g, rounded up
         std::array<std::uint8_t, width> count;  ///< a child's triangles; 0: it is a node
     };
@@ -122,8 +124,7 @@ private:
     Line makeLine(const PickRay& ray) const;
     static std::array<bool, width> meets(const Node& node, const Line& line);
 
-    std::vector<Node> m_nodes; ///< the root first
-    std::vector<std::uint32_t> m_numbers;
+    std::vector<Node> m_nodes;           ///< the root first
     std::vector<std::uint32_t> m_always; ///< triangles that fit into no box
     osg::Vec3d m_origin;                 ///< of the tree's coordinates
     double m_unit = 1.0;                 ///< of the tree's coordinates; none is beyond one
