@@ -45,7 +45,7 @@ public:
     void add(osg::Node& model);
 
     /// Forgets everything. The worker has let go of the model when this returns, which it does
-    /// within milliseconds.
+    /// within milliseconds, or tens of them where a geometry has ten million triangles.
     void clear();
 
     /// Waits until everything that was asked for is built.

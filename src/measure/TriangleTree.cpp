@@ -38,7 +38,7 @@ constexpr double unitTolerance = 1e-9;
 constexpr std::size_t fewWithoutBox = 64;
 constexpr std::size_t partWithoutBox = 256;
 
-constexpr std::uint32_t longestRun = 4;
+constexpr std::uint32_t trianglesPerLeaf = 4;
 constexpr std::uint32_t trianglesBetweenLooks = 4096;
 
 constexpr unsigned int bitsOfHalf = 16;
@@ -118,7 +118,7 @@ OpenRun runOf(std::uint32_t number, const Triangle& triangle, double edge2) {
 /// Puts the next triangle into a run, where the box of both is no longer around than theirs
 /// together. @return whether it did.
 bool join(OpenRun& run, const OpenRun& next) {
-    if (run.count == 0 || run.count == longestRun)
+    if (run.count == 0 || run.count == trianglesPerLeaf)
         return false;
     osg::Vec3d low;
     osg::Vec3d high;
@@ -149,9 +149,13 @@ public:
         m_tree.m_unit = std::exp2(std::ceil(std::log2(static_cast<double>(m_largest))));
         m_toUnit = static_cast<float>(1.0 / m_tree.m_unit);
         m_order = CellOrder::of(m_runs, m_cancelled);
-        m_tree.m_nodes.reserve(m_runs.size() / (width - 1) + 1);
+        m_tree.m_nodes.reserve(m_runs.size());
         buildNode({0, static_cast<std::uint32_t>(m_runs.size())});
-        return !m_cancelled;
+        if (m_cancelled)
+            return false;
+        m_tree.m_nodes.shrink_to_fit();
+        m_tree.m_numbers.shrink_to_fit();
+        return true;
     }
 
 private:
@@ -164,7 +168,7 @@ private:
     };
 
     bool collect(std::uint32_t count, const Source& source) {
-        m_runs.reserve(count / longestRun);
+        m_runs.reserve(count / trianglesPerLeaf);
         for (std::uint32_t number = 0; number < count; ++number) {
             if (number % trianglesBetweenLooks == 0 && m_cancelled)
                 return false;
@@ -224,35 +228,28 @@ private:
         Box whole;
         for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
             const Range& child = children[i];
-            Box box;
-            std::uint32_t first = 0;
-            std::uint32_t triangles = 0;
-            if (child.count() == 1) {
-                const TriangleRun& run = runAt(child.begin);
-                box.add(run);
-                first = run.first;
-                triangles = run.count;
-            } else {
-                first = static_cast<std::uint32_t>(m_tree.m_nodes.size());
-                box = buildNode(child);
-            }
-            setChild(m_tree.m_nodes[node], i, box);
+            const bool leaf = isLeaf(child);
+            const auto first = static_cast<std::uint32_t>(m_tree.m_nodes.size());
+            const Box box = leaf ? boxOf(child) : buildNode(child);
+            setBox(m_tree.m_nodes[node], i, box);
             m_tree.m_nodes[node].first[i] = first;
-            m_tree.m_nodes[node].count[i] = static_cast<std::uint8_t>(triangles);
+            if (leaf)
+                setTriangles(m_tree.m_nodes[node], i, child);
             whole.add(box);
         }
         return whole;
     }
 
     /// Splits the largest of `children`, at first their only one, until there are as many as go
-    /// into a node, or only runs. @return how many there are.
+    /// into a node, or only leaves. @return how many there are.
     std::size_t split(std::array<Range, width>& children) const {
         std::size_t count = 1;
         while (count < width) {
-            const auto largest = std::max_element(
-                children.begin(), children.begin() + static_cast<std::ptrdiff_t>(count),
-                [](const Range& a, const Range& b) { return a.count() < b.count(); });
-            if (largest->count() == 1)
+            Range* largest = nullptr;
+            for (std::size_t i = 0; i < count; ++i)
+                if (!isLeaf(children[i]) && (!largest || children[i].count() > largest->count()))
+                    largest = &children[i];
+            if (!largest)
                 break;
             const std::uint32_t middle = m_order.middleOf(largest->begin, largest->end);
             children[count++] = {middle, largest->end};
@@ -261,7 +258,37 @@ private:
         return count;
     }
 
-    void setChild(Node& node, std::size_t child, const Box& box) const {
+    bool isLeaf(const Range& range) const {
+        if (range.count() > trianglesPerLeaf)
+            return false;
+        std::uint32_t triangles = 0;
+        for (std::uint32_t i = range.begin; i < range.end; ++i)
+            triangles += runAt(i).count;
+        return triangles <= trianglesPerLeaf;
+    }
+
+    Box boxOf(const Range& leaf) const {
+        Box box;
+        for (std::uint32_t i = leaf.begin; i < leaf.end; ++i)
+            box.add(runAt(i));
+        return box;
+    }
+
+    void setTriangles(Node& node, std::size_t child, const Range& leaf) {
+        if (leaf.count() == 1) {
+            node.first[child] = runAt(leaf.begin).first;
+            node.count[child] = static_cast<std::uint8_t>(runAt(leaf.begin).count);
+            return;
+        }
+        const std::size_t first = m_tree.m_numbers.size();
+        for (std::uint32_t i = leaf.begin; i < leaf.end; ++i)
+            for (std::uint32_t k = 0; k < runAt(i).count; ++k)
+                m_tree.m_numbers.push_back(runAt(i).first + k);
+        node.first[child] = static_cast<std::uint32_t>(first);
+        node.count[child] = static_cast<std::uint8_t>(m_tree.m_numbers.size() - first) | listed;
+    }
+
+    void setBox(Node& node, std::size_t child, const Box& box) const {
         for (std::size_t axis = 0; axis < 3; ++axis) {
             node.bounds[axis][child] = box.low[axis] * m_toUnit;
             node.bounds[axis + 3][child] = box.high[axis] * m_toUnit;
@@ -302,7 +329,7 @@ bool TriangleTree::serves(const PickRay& ray) {
 
 std::size_t TriangleTree::bytes() const {
     return sizeof *this + m_nodes.capacity() * sizeof(Node) +
-           m_always.capacity() * sizeof(std::uint32_t);
+           (m_numbers.capacity() + m_always.capacity()) * sizeof(std::uint32_t);
 }
 
 TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {

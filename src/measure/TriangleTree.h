@@ -38,7 +38,8 @@ namespace orbisk {
 ///
 /// Triangles that follow each other and lie together, as neighbours in a mesh mostly do, form runs.
 /// The runs are sorted along a curve of cells that halve each other, the longer side first, and the
-/// tree is read off that order. Boxes are made from the leaves up.
+/// tree is read off that order. Most leaves are one run; others list the triangles of several.
+/// Boxes are made from the leaves up.
 ///
 /// Immutable once built; may be read by several threads.
 class TriangleTree {
@@ -80,11 +81,12 @@ public:
             for (std::size_t i = 0; i < width; ++i) {
                 if (!met[i])
                     continue;
-                if (node.count[i] == 0)
-                    waiting[count++] = node.first[i];
-                for (std::uint32_t number = node.first[i]; number < node.first[i] + node.count[i];
-                     ++number)
-                    visit(number);
+                const std::uint32_t first = node.first[i];
+                const std::uint32_t triangles = node.count[i] & ~listed;
+                if (triangles == 0)
+                    waiting[count++] = first;
+                for (std::uint32_t k = first; k < first + triangles; ++k)
+                    visit((node.count[i] & listed) == 0 ? k : m_numbers[k]);
             }
         }
     }
@@ -101,12 +103,15 @@ private:
     static constexpr std::size_t mostLevels = 64;
     static constexpr std::size_t mostWaiting = mostLevels * (width - 1) + 1;
 
+    /// Set in a leaf's count where its triangles do not follow each other, but stand in a list.
+    static constexpr std::uint8_t listed = 0x80;
+
     using Lane = std::array<float, width>;
 
     /// The boxes of four children side by side. A child that is not there has an empty one.
     struct alignas(64) Node {
         std::array<Lane, 6> bounds;             ///< low x, y, z, high x, y, z
-        std::array<std::uint32_t, width> first; ///< a child's node, or its first triangle
+        std::array<std::uint32_t, width> first; ///< a child's node, triangle or place of it
         std::array<std::uint16_t, width> gain;  ///< upper half of the float that is g, rounded up
         std::array<std::uint8_t, width> count;  ///< a child's triangles; 0: it is a node
     };
@@ -124,11 +129,12 @@ private:
     Line makeLine(const PickRay& ray) const;
     static std::array<bool, width> meets(const Node& node, const Line& line);
 
-    std::vector<Node> m_nodes;           ///< the root first
-    std::vector<std::uint32_t> m_always; ///< triangles that fit into no box
-    osg::Vec3d m_origin;                 ///< of the tree's coordinates
-    double m_unit = 1.0;                 ///< of the tree's coordinates; none is beyond one
-    double m_longestEdge = 0.0;          ///< of those with a finite g
+    std::vector<Node> m_nodes;            ///< the root first
+    std::vector<std::uint32_t> m_numbers; ///< the list
+    std::vector<std::uint32_t> m_always;  ///< triangles that fit into no box
+    osg::Vec3d m_origin;                  ///< of the tree's coordinates
+    double m_unit = 1.0;                  ///< of the tree's coordinates; none is beyond one
+    double m_longestEdge = 0.0;           ///< of those with a finite g
 };
 
 } // namespace orbisk
