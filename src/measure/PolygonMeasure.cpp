@@ -1,5 +1,7 @@
 #include "measure/PolygonMeasure.h"
 
+#include "measure/DoubleDouble.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -38,6 +40,17 @@ std::int32_t wholePart(double ratio) {
     using Limits = std::numeric_limits<std::int32_t>;
     const bool fits = ratio > Limits::min() - 1.0 && ratio < Limits::max() + 1.0;
     return fits ? static_cast<std::int32_t>(ratio) : Limits::min();
+}
+
+/// A vector of twice the precision.
+using LongVector = std::array<DoubleDouble, axisCount>;
+
+DoubleDouble dot(const LongVector& a, const LongVector& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+LongVector cross(const LongVector& a, const LongVector& b) {
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
 }
 
 template <class Container>
@@ -310,23 +323,26 @@ void PolygonMeasure::measureAndFill(const Polygon& polygon, std::vector<osg::Vec
 }
 
 std::optional<osg::Vec3d> PolygonMeasure::fitPlane(const Polygon& vertices) {
-    // The normal equations' matrix is symmetric: its rows are its columns.
-    osg::Vec3d rowX;
-    osg::Vec3d rowY;
-    osg::Vec3d rowZ;
-    osg::Vec3d rightSide;
+    // The normal equations' matrix is symmetric: its rows are its columns. Far from the origin its
+    // cofactors lose in double precision what the vertices differ by.
+    std::array<LongVector, axisCount> rows;
+    LongVector sum;
     for (const osg::Vec3d& vertex : vertices) {
-        rowX += vertex * vertex.x();
-        rowY += vertex * vertex.y();
-        rowZ += vertex * vertex.z();
-        rightSide -= vertex;
+        const LongVector place = {DoubleDouble(vertex.x()), DoubleDouble(vertex.y()),
+                                  DoubleDouble(vertex.z())};
+        for (std::size_t i = 0; i < place.size(); ++i) {
+            sum[i] += place[i];
+            for (std::size_t j = 0; j < place.size(); ++j)
+                rows[i][j] += place[i] * place[j];
+        }
     }
-    const double determinant = rowZ * (rowX ^ rowY);
+    const auto& [x, y, z] = rows;
+    const double determinant = dot(z, cross(x, y)).rounded();
     if (std::abs(determinant) < tolerance)
         return std::nullopt;
-    const osg::Vec3d scaled(rightSide * (rowY ^ rowZ), rightSide * (rowZ ^ rowX),
-                            rightSide * (rowX ^ rowY));
-    return scaled / determinant;
+    const osg::Vec3d scaled(dot(sum, cross(y, z)).rounded(), dot(sum, cross(z, x)).rounded(),
+                            dot(sum, cross(x, y)).rounded());
+    return scaled / -determinant;
 }
 
 Polygon PolygonMeasure::projectToPlane(const Polygon& vertices, const osg::Vec3d& coefficients) {

@@ -315,6 +315,34 @@ TEST(FitPlaneTest, GivesTheLeastSquaresOfOthers) {
     EXPECT_NEAR(plane->z(), -1.0 / 3.0, relativeError);
 }
 
+/// Corners of a roof of 20 m by 30 m on a country's grid, on a plane but for `roughness`.
+Places roofFarFromTheOrigin(double roughness) {
+    const auto corner = [roughness](double x, double y, int side) {
+        return osg::Vec3d(5e5 + x, 4e6 + y, 100 + 0.25 * x - 0.125 * y + side * roughness);
+    };
+    return {corner(-9, -16, 1), corner(11, -14, -1), corner(10, 15, 1), corner(-10, 14, -1)};
+}
+
+TEST(FitPlaneTest, HoldsOnCoordinatesOfACountrysGrid) {
+    const Places corners = roofFarFromTheOrigin(0.0);
+    const auto plane = Measure::fitPlane(corners);
+    ASSERT_TRUE(plane);
+    for (const osg::Vec3d& corner : corners)
+        EXPECT_NEAR((*plane * corner + 1.0) / plane->length(), 0.0, 1e-3);
+    osg::Vec3d normal = *plane;
+    normal.normalize();
+    osg::Vec3d exact(0.25, -0.125, -1.0);
+    exact.normalize();
+    EXPECT_LT((normal ^ exact).length(), 1e-5);
+}
+
+TEST(PolygonMeasureTest, AreasHoldOnCoordinatesOfACountrysGrid) {
+    const double inMap = 591.5;
+    const double area = inMap * std::sqrt(1.0 + 0.25 * 0.25 + 0.125 * 0.125);
+    EXPECT_NEAR(areaOf(roofFarFromTheOrigin(0.0)), area, 1e-9 * area);
+    EXPECT_NEAR(areaOf(roofFarFromTheOrigin(0.05)), area, 1e-4 * area);
+}
+
 TEST(FitPlaneTest, DeterminantIsComparedAbsolutely) {
     // One vertex on each axis: the determinant is the sixth power of their distance, and
     // 0.1 to the sixth is 1e-6.

@@ -2,6 +2,7 @@
 #include "measure/PickDialog.h"
 #include "support/GuiTest.h"
 #include "support/Screen.h"
+#include "support/TableTest.h"
 #include "support/TestModels.h"
 #include "view/OSGCanvas.h"
 
@@ -12,6 +13,13 @@
 #include <osgUtil/LineSegmentIntersector>
 #include <wx/timer.h>
 #include <wx/uiaction.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <iterator>
+#include <locale>
+#include <sstream>
 
 namespace orbisk::test {
 
@@ -71,8 +79,8 @@ protected:
         canvas.Unbind(wxEVT_MENU_CLOSE, onClose);
     }
 
-    /// Where the library's own intersector finds the shown model under a place of the canvas.
-    static osg::Vec3d expectedAt(const wxPoint& place) {
+    /// What a place of the canvas shows: a line from the near plane to the far plane.
+    static std::pair<osg::Vec3d, osg::Vec3d> sightLine(const wxPoint& place) {
         const osg::Camera& camera = *frame()->viewer().osgViewer()->getCamera();
         const int scale = static_cast<int>(frame()->canvas()->GetContentScaleFactor());
         const int height = frame()->canvas()->GetClientSize().y * scale;
@@ -80,9 +88,14 @@ protected:
             osg::Matrixd::inverse(camera.getViewMatrix() * camera.getProjectionMatrix() *
                                   camera.getViewport()->computeWindowMatrix());
         const osg::Vec3d window(place.x * scale, height - place.y * scale, 0.0);
+        return {window * toWorld, (window + osg::Vec3d(0, 0, 1)) * toWorld};
+    }
+
+    /// Where the library's own intersector finds the shown model under a place of the canvas.
+    static osg::Vec3d expectedAt(const wxPoint& place) {
+        const auto [begin, end] = sightLine(place);
         const osg::ref_ptr<osgUtil::LineSegmentIntersector> line =
-            new osgUtil::LineSegmentIntersector(window * toWorld,
-                                                (window + osg::Vec3d(0, 0, 1)) * toWorld);
+            new osgUtil::LineSegmentIntersector(begin, end);
         osgUtil::IntersectionVisitor visitor(line);
         frame()->loader().modelNode()->accept(visitor);
         EXPECT_TRUE(line->containsIntersections());
@@ -113,6 +126,14 @@ protected:
 
     static double slopeHeight(double x, double y) {
         return 100.0 + 0.25 * (x - 5e5) - 0.125 * (y - 4e6);
+    }
+
+    /// Where the slope is under a place of the canvas.
+    static osg::Vec3d slopeAt(const wxPoint& place) {
+        const auto [begin, end] = sightLine(place);
+        const double above = begin.z() - slopeHeight(begin.x(), begin.y());
+        const double below = slopeHeight(end.x(), end.y()) - end.z();
+        return begin + (end - begin) * (above / (above + below));
     }
 
     /// Picks on the slope and compares with its plane, and with where the clicks were. The window
@@ -359,6 +380,133 @@ TEST_F(MeasureTest, ClosingTheFrameClosesTheTableAndSavesThePlace) {
     close();
     const std::string saved = readFile("datafile.json");
     EXPECT_NE(saved.find("\"x\" : 20"), std::string::npos) << saved;
+}
+
+/// Measures on a slope, and knows from the model what has to come out.
+class MeasuredSlopeTest : public MeasureTest {
+protected:
+    MeasuredSlopeTest() {
+        startWith(writeSlope());
+        const wxPoint at = middle();
+        m_points = pick(Command::PointPick, {at, at + wxPoint(25, -20)});
+        m_line = pick(Command::LinePick,
+                      {at - wxPoint(30, 0), at - wxPoint(0, 25), at + wxPoint(28, 3)});
+        m_area = pick(Command::AreaPick, {at - wxPoint(25, 20), at + wxPoint(24, -18),
+                                          at + wxPoint(29, 22), at + wxPoint(-20, 25)});
+    }
+
+    /// Clicks in a mode. @return where the model is under the clicks.
+    static std::vector<osg::Vec3d> pick(Command mode, const std::vector<wxPoint>& places) {
+        choose(mode);
+        std::vector<osg::Vec3d> expected;
+        for (const wxPoint& place : places) {
+            clickAt(place);
+            expected.push_back(slopeAt(place));
+        }
+        return expected;
+    }
+
+    static double lengthBefore(const std::vector<osg::Vec3d>& item, std::size_t vertex) {
+        return vertex == 0 ? 0.0 : (item[vertex] - item[vertex - 1]).length();
+    }
+
+    static double lengthOf(const std::vector<osg::Vec3d>& item) {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < item.size(); ++i)
+            sum += lengthBefore(item, i);
+        return sum;
+    }
+
+    /// Of a flat, convex polygon; its sign is that of the product of its normal's components.
+    static double areaOf(const std::vector<osg::Vec3d>& item) {
+        osg::Vec3d sum;
+        for (std::size_t i = 2; i < item.size(); ++i)
+            sum += (item[i - 1] - item[0]) ^ (item[i] - item[0]);
+        return std::copysign(sum.length() / 2, sum.x() * sum.y() * sum.z());
+    }
+
+    std::vector<double> pointNumbers() const {
+        std::vector<double> numbers;
+        for (std::size_t i = 0; i < m_points.size(); ++i) {
+            numbers.push_back(static_cast<double>(i + 1));
+            numbers.insert(numbers.end(), m_points[i].ptr(), m_points[i].ptr() + 3);
+        }
+        return numbers;
+    }
+
+    /// The numbers of the rows that show an item: those before the vertex's number, which are the
+    /// same in each row, then those of the vertex, and in the first row the total.
+    static std::vector<double> numbersOf(const std::vector<osg::Vec3d>& item,
+                                         const std::vector<double>& before, double total) {
+        std::vector<double> numbers;
+        for (std::size_t i = 0; i < item.size(); ++i) {
+            numbers.insert(numbers.end(), before.begin(), before.end());
+            const osg::Vec3d& at = item[i];
+            const double number = static_cast<double>(i + 1);
+            for (const double value : {number, at.x(), at.y(), at.z(), lengthBefore(item, i)})
+                numbers.push_back(value);
+            if (i == 0)
+                numbers.push_back(total);
+        }
+        return numbers;
+    }
+
+    /// All numbers of a text, whatever stands between them.
+    static std::vector<double> numbersIn(std::string text) {
+        std::replace_if(
+            text.begin(), text.end(), [](char c) { return c == ',' || c == '\n'; }, ' ');
+        std::istringstream stream(text);
+        stream.imbue(std::locale::classic());
+        return {std::istream_iterator<double>(stream), std::istream_iterator<double>()};
+    }
+
+    static std::string textOf(const char* gridName) {
+        const auto& grid = dynamic_cast<const wxGrid&>(
+            *wxWindow::FindWindowByName(gridName, frame()->measurementTable()));
+        std::string text;
+        for (const GridRow& row : textsOf(grid))
+            for (const std::string& cell : row)
+                text += cell + "\n";
+        return text;
+    }
+
+    /// The header taken off.
+    static std::string rowsIn(const std::filesystem::path& file) {
+        const std::string text = readFile(file);
+        return text.substr(text.find('\n') + 1);
+    }
+
+    /// To the last decimal of a text.
+    static void expectNumbers(const std::vector<double>& numbers,
+                              const std::vector<double>& expected) {
+        ASSERT_EQ(numbers.size(), expected.size());
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            EXPECT_NEAR(numbers[i], expected[i], 1e-3);
+    }
+
+    std::vector<osg::Vec3d> m_points;
+    std::vector<osg::Vec3d> m_line;
+    std::vector<osg::Vec3d> m_area;
+};
+
+TEST_F(MeasuredSlopeTest, TableShowsWhatTheModelGives) {
+    choose(Command::MeasureTable);
+    expectNumbers(numbersIn(textOf("ID_GRID_POINT")), pointNumbers());
+    expectNumbers(numbersIn(textOf("ID_GRID_LINE")), numbersOf(m_line, {}, lengthOf(m_line)));
+    expectNumbers(numbersIn(textOf("ID_GRID_RECT")), numbersOf(m_area, {}, areaOf(m_area)));
+}
+
+TEST_F(MeasuredSlopeTest, FilesHoldWhatTheModelGives) {
+    choose(Command::MeasureTable);
+    runFor(0.2);
+    const TemporaryFolder parent;
+    saveTableInto(*frame()->measurementTable(), parent.path());
+    const std::filesystem::path folder = parent.path() / "PickData";
+    expectNumbers(numbersIn(rowsIn(folder / "Points.csv")), pointNumbers());
+    expectNumbers(numbersIn(rowsIn(folder / "Lines.csv")),
+                  numbersOf(m_line, {1}, lengthOf(m_line)));
+    expectNumbers(numbersIn(rowsIn(folder / "Rectangles.txt")),
+                  numbersOf(m_area, {1}, areaOf(m_area)));
 }
 
 } // namespace orbisk::test

@@ -1,10 +1,7 @@
 #include "support/TableTest.h"
 #include "support/TemporaryFolder.h"
 
-#include <wx/button.h>
-#include <wx/dirdlg.h>
 #include <wx/filefn.h>
-#include <wx/timer.h>
 
 #include <filesystem>
 #include <set>
@@ -22,36 +19,7 @@ protected:
         m_set.travelPoints = {{1, 2, 3}};
     }
 
-    void pressSave() const {
-        auto& button = named<wxButton>("ID_BUTTON_LOAD");
-        wxCommandEvent press(wxEVT_BUTTON, button.GetId());
-        press.SetEventObject(&button);
-        button.HandleWindowEvent(press);
-    }
-
-    /// Presses "Save" and chooses a folder in the real dialog.
-    /// @return the working directory thereafter; it is the former one again.
-    fs::path saveInto(const fs::path& folder) const {
-        const fs::path former = fs::current_path();
-        wxTimer accept;
-        withNextDialog([&](wxDialog& dialog) {
-            auto& folders = dynamic_cast<wxDirDialog&>(dialog);
-            EXPECT_EQ(folders.GetMessage(), "Save File...");
-            EXPECT_EQ(folders.GetParent(), m_dialog);
-            EXPECT_EQ(folders.GetPath(), "");
-            EXPECT_EQ(folders.GetWindowStyle() & (wxDD_DEFAULT_STYLE | wxDD_CHANGE_DIR),
-                      wxDD_DEFAULT_STYLE | wxDD_CHANGE_DIR);
-            folders.SetPath(wxString::FromUTF8(folder.string()));
-            // It takes up the folder meanwhile.
-            accept.Bind(wxEVT_TIMER, [&folders](wxTimerEvent&) { folders.GTKOnAccept(); });
-            accept.StartOnce(500);
-        });
-        pressSave();
-        EXPECT_FALSE(isDialogAwaited());
-        fs::path working = fs::current_path();
-        fs::current_path(former);
-        return working;
-    }
+    fs::path saveInto(const fs::path& folder) const { return saveTableInto(*m_dialog, folder); }
 
     static std::set<std::string> entriesOf(const fs::path& folder) {
         std::set<std::string> names;
@@ -67,7 +35,7 @@ TEST_F(TableSaveTest, CancellingCreatesNothing) {
     open();
     const auto before = entriesOf(".");
     answerNextDialog(wxID_CANCEL);
-    pressSave();
+    pressSave(*m_dialog);
     EXPECT_FALSE(isDialogAwaited());
     EXPECT_EQ(entriesOf("."), before);
 }

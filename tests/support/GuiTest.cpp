@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 
 #include <wx/app.h>
+#include <wx/dirdlg.h>
 #include <wx/filedlg.h>
 #include <wx/modalhook.h>
 #include <wx/timer.h>
@@ -236,6 +237,36 @@ void GuiTest::chooseInNextFileDialog(const std::string& path) {
         files.SetPath(wxString::FromUTF8(path));
         endOnceChosen(files, wxString::FromUTF8(path), fileDialogTries);
     });
+}
+
+std::filesystem::path GuiTest::saveTableInto(wxWindow& table, const std::filesystem::path& folder) {
+    const std::filesystem::path former = std::filesystem::current_path();
+    wxTimer accept;
+    withNextDialog([&](wxDialog& dialog) {
+        auto& folders = dynamic_cast<wxDirDialog&>(dialog);
+        EXPECT_EQ(folders.GetMessage(), "Save File...");
+        EXPECT_EQ(folders.GetParent(), &table);
+        EXPECT_EQ(folders.GetPath(), "");
+        EXPECT_EQ(folders.GetWindowStyle() & (wxDD_DEFAULT_STYLE | wxDD_CHANGE_DIR),
+                  wxDD_DEFAULT_STYLE | wxDD_CHANGE_DIR);
+        folders.SetPath(wxString::FromUTF8(folder.string()));
+        // It takes up the folder meanwhile.
+        accept.Bind(wxEVT_TIMER, [&folders](wxTimerEvent&) { folders.GTKOnAccept(); });
+        accept.StartOnce(500);
+    });
+    pressSave(table);
+    EXPECT_FALSE(isDialogAwaited());
+    std::filesystem::path working = std::filesystem::current_path();
+    std::filesystem::current_path(former);
+    return working;
+}
+
+void GuiTest::pressSave(wxWindow& table) {
+    wxWindow* button = wxWindow::FindWindowByName("ID_BUTTON_LOAD", &table);
+    ASSERT_NE(button, nullptr);
+    wxCommandEvent press(wxEVT_BUTTON, button->GetId());
+    press.SetEventObject(button);
+    button->HandleWindowEvent(press);
 }
 
 bool GuiTest::isDialogAwaited() {

@@ -9,6 +9,7 @@
 #include <wx/dialog.h>
 #include <wx/evtloop.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -87,6 +88,14 @@ protected:
 
     /// The next dialog has to be one for files: `path` is chosen there.
     static void chooseInNextFileDialog(const std::string& path);
+
+    /// Presses the button that saves in a measurement table.
+    static void pressSave(wxWindow& table);
+
+    /// Does so, and chooses a folder in the dialog that it shows. @return the working directory
+    /// thereafter; it is the former one again.
+    static std::filesystem::path saveTableInto(wxWindow& table,
+                                               const std::filesystem::path& folder);
 
     /// Whether such a dialog has yet to come.
     static bool isDialogAwaited();
