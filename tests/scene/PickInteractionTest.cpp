@@ -452,6 +452,15 @@ TEST_F(PickInteractionTest, TravelMenuIsAlwaysThere) {
     EXPECT_EQ(m_flown, TravelPath());
 }
 
+TEST_F(PickInteractionTest, ClearingAnEmptyTravelPathStillRedraws) {
+    m_interaction.setTravelMode(true);
+    m_switch->setValue(SceneRoot::drawingSlot, true);
+    m_interaction.run(PickCommand::ClearTravel);
+    EXPECT_TRUE(m_set.travelPoints.empty());
+    EXPECT_FALSE(isDrawn());
+    EXPECT_EQ(m_table.take(), Calls{"rebuild travel"});
+}
+
 TEST_F(PickInteractionTest, PointMenuNeedsPointsAndAHit) {
     m_interaction.setPointMode(true);
     EXPECT_TRUE(menu().empty());
