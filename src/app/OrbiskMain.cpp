@@ -3,6 +3,7 @@
 #include "app/About.h"
 #include "app/IconStatusBar.h"
 #include "app/InitPanel.h"
+#include "app/NestedLoop.h"
 #include "app/OrbiskApp.h"
 #include "app/RecentFiles.h"
 #include "app/SettingsText.h"
@@ -274,6 +275,7 @@ void OrbiskFrame::createOSGViewer() {
         return;
     }
     replaceWelcomePanel();
+    closeMeasurementTable();
     m_interaction.endMode();
     m_interaction.clear();
     m_bars->uncheckGroup(CommandGroup::Display);
@@ -327,7 +329,8 @@ void OrbiskFrame::onClose(wxCloseEvent& event) {
             saveSettingsWithPlace(); // The session ends, and may not wait.
         return;
     }
-    Destroy();
+    closeMeasurementTable();
+    NestedLoop::endAllThen([this] { Destroy(); });
 }
 
 void OrbiskFrame::runCommand(Command command, bool checked) {
@@ -468,6 +471,7 @@ void OrbiskFrame::showMeasurementTable() {
 void OrbiskFrame::closeMeasurementTable() {
     if (m_measurementTable)
         m_measurementTable->Destroy();
+    m_measurementTable = nullptr;
 }
 
 void OrbiskFrame::openRecent(std::size_t index) {

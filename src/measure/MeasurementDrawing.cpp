@@ -113,10 +113,6 @@ void MeasurementDrawing::drawArea(std::size_t index, bool measured) {
     draw(Kind::Areas);
 }
 
-void MeasurementDrawing::redrawAreas() {
-    draw(Kind::Areas);
-}
-
 void MeasurementDrawing::drawTravel() {
     draw(Kind::Travel);
 }

@@ -57,10 +57,6 @@ public:
     /// in later drawings of other areas.
     void drawArea(std::size_t index, bool measured);
 
-    /// Draws the areas, each in the colour it had: after areas were removed, or to end a preview.
-    /// One that was never drawn counts as not measured.
-    void redrawAreas();
-
     /// Draws the travel path.
     void drawTravel();
 

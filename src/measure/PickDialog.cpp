@@ -1,6 +1,8 @@
 #include "measure/PickDialog.h"
 
 #include "app/CommandTable.h"
+#include "app/ContextMenu.h"
+#include "app/NestedLoop.h"
 #include "measure/MeasurementExport.h"
 #include "measure/PointGridTable.h"
 #include "measure/PolygonMeasure.h"
@@ -76,9 +78,12 @@ PickDialog::PickDialog(wxWindow* parent, MeasurementSet& set, MeasurementEdits& 
 }
 
 bool PickDialog::Destroy() {
-    if (!std::exchange(m_closed, true))
-        m_edits.tableClosed();
-    return wxDialog::Destroy();
+    if (std::exchange(m_closed, true))
+        return true;
+    m_edits.tableClosed();
+    Hide();
+    NestedLoop::endAllThen([this] { wxDialog::Destroy(); });
+    return true;
 }
 
 void PickDialog::buildWindows() {
@@ -149,7 +154,7 @@ void PickDialog::showMenu(const std::vector<MenuEntry>& entries) {
             wxEVT_MENU, [this, run = entry.run](wxCommandEvent&) { (this->*run)(); },
             item->GetId());
     }
-    PopupMenu(&menu);
+    popUp(*this, menu);
 }
 
 void PickDialog::appendPointRow() {
@@ -255,7 +260,11 @@ void PickDialog::save() {
     // The chosen folder becomes the working directory too.
     wxDirDialog dialog(this, _("Save File..."), wxEmptyString,
                        wxDD_DEFAULT_STYLE | wxDD_CHANGE_DIR);
-    if (dialog.ShowModal() == wxID_OK)
+    const auto choose = [&dialog] {
+        const NestedLoop loop([&dialog] { dialog.EndModal(wxID_CANCEL); });
+        return dialog.ShowModal();
+    };
+    if (choose() == wxID_OK)
         exportMeasurements(m_set, platform::localPath(dialog.GetPath()),
                            {textsOf(*m_lineTable), textsOf(*m_areaTable)});
 }

@@ -76,17 +76,13 @@ std::optional<osg::Vec3d> PickInteraction::pick(CanvasPixel pixel) {
     return std::nullopt;
 }
 
-bool PickInteraction::addsTwice(CanvasPixel pixel) const {
-    return m_lastAddPosition && *m_lastAddPosition == pixel;
-}
-
 void PickInteraction::onLeftClick(CanvasPixel pixel) {
     if (m_mode == Mode::None)
         return;
     const auto point = pick(pixel);
     if (!point)
         return;
-    if (addsTwice(pixel)) {
+    if (pixel == m_lastAddPosition) {
         if (lineMode())
             finishLine();
         else if (areaMode())
@@ -363,7 +359,7 @@ void PickInteraction::clear() {
     m_lineFinished = true;
     m_areaFinished = true;
     m_areaMeasured = false;
-    m_lastAddPosition.reset();
+    m_lastAddPosition = {};
     m_pointer.reset();
     m_drawing.hide();
     if (!m_table)

@@ -115,7 +115,6 @@ private:
 
     void setMode(Mode mode, bool on);
     std::optional<osg::Vec3d> pick(CanvasPixel pixel);
-    bool addsTwice(CanvasPixel pixel) const;
     void addPoint(const osg::Vec3d& point);
     void addLineVertex(const osg::Vec3d& vertex);
     void addAreaVertex(const osg::Vec3d& vertex);
@@ -147,9 +146,9 @@ private:
     Mode m_mode = Mode::None;
     bool m_lineFinished = true;
     bool m_areaFinished = true;
-    bool m_areaMeasured = false;                  ///< the current area
-    std::optional<CanvasPixel> m_lastAddPosition; ///< of the click that added last
-    std::optional<CanvasPixel> m_pointer;         ///< moved there since the last preview
+    bool m_areaMeasured = false;   ///< the current area
+    CanvasPixel m_lastAddPosition; ///< of the click that added last; at first the upper left corner
+    std::optional<CanvasPixel> m_pointer; ///< moved there since the last preview
     osg::Vec3d m_menuPickPoint;
     std::optional<PolygonMeasure> m_polygonMeasure; ///< while in area mode
 };

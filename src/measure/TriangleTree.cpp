@@ -56,6 +56,9 @@ bool isUsable(const Triangle& triangle) {
 }
 
 float roundedDown(double value) {
+    constexpr float largest = std::numeric_limits<float>::max();
+    if (std::abs(value) > static_cast<double>(largest))
+        return value > 0 ? largest : -infinity;
     const auto nearest = static_cast<float>(value);
     return static_cast<double>(nearest) > value ? std::nextafter(nearest, -infinity) : nearest;
 }

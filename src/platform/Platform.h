@@ -9,6 +9,7 @@
 
 #include <string>
 
+class wxMenu;
 class wxNotebook;
 
 /// What differs between operating systems. This folder is the only place that knows which one the
@@ -57,6 +58,9 @@ void underlineLabel(wxButton& button);
 
 /// Gives the pages of a notebook that has its size but was not shown yet the size they will have.
 void sizePages(wxNotebook& notebook);
+
+/// Closes a context menu that is open.
+void closeMenu(wxMenu& menu);
 
 /// Leaves the calling thread without a current OpenGL context.
 void leaveGraphicsContext();

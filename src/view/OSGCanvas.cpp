@@ -1,5 +1,6 @@
 #include "view/OSGCanvas.h"
 
+#include "app/ContextMenu.h"
 #include "platform/Platform.h"
 #include "view/ThreadingPause.h"
 
@@ -169,7 +170,7 @@ void OSGCanvas::showPickMenu(CanvasPixel pixel) {
         menu.Append(static_cast<int>(item.command), wxGetTranslation(item.label))
             ->Enable(item.enabled);
     if (menu.GetMenuItemCount() > 0)
-        PopupMenu(&menu);
+        popUp(*this, menu);
 }
 
 void OSGCanvas::onPickMenu(wxCommandEvent& event) {

@@ -71,8 +71,10 @@ HomeView homeAbove(const osg::Vec3d& center, double sceneRadius) {
 SceneRoot::SceneRoot() : m_root(new osg::Switch) {}
 
 HomeView SceneRoot::rebuild(osg::Node& model, osg::Camera& camera, bool skyShown) {
-    // Picking and saving go by this very node: the optimiser must not put another in its place.
-    model.setDataVariance(osg::Object::DYNAMIC);
+    // Picking and saving go by this very node: the optimiser must not put another in its place. It
+    // never does with a geometry, which would count as one whose vertices may change.
+    if (!model.asGeometry())
+        model.setDataVariance(osg::Object::DYNAMIC);
     m_modelSwitch = new osg::Switch;
     m_modelSwitch->addChild(new osg::Group);
     m_modelSwitch->addChild(&model);

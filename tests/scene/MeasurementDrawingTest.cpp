@@ -379,8 +379,6 @@ TEST_F(MeasurementDrawingTest, EveryKindIsHiddenWhileEmpty) {
     expectHidden();
     m_drawing.drawArea(0, true);
     expectHidden();
-    m_drawing.redrawAreas();
-    expectHidden();
     m_drawing.drawTravel();
     expectHidden();
     EXPECT_TRUE(m_switch->getValue(SceneRoot::modelChild));
@@ -506,12 +504,12 @@ TEST_F(MeasurementDrawingTest, AreaKeepsItsColourWhenOthersAreRemoved) {
     m_drawing.drawArea(1, true);
     m_drawing.drawArea(2, false);
     m_set.areas.pop_back();
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(2, true);
     ASSERT_EQ(parts(), 2u);
     EXPECT_EQ(outlineColour(0), red);
     EXPECT_EQ(outlineColour(1), blue);
     m_set.areas.erase(m_set.areas.begin());
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(1, false);
     ASSERT_EQ(parts(), 1u);
     EXPECT_EQ(outlineColour(0), blue);
 }
@@ -521,14 +519,14 @@ TEST_F(MeasurementDrawingTest, EarlierAreaThatLosesAVertexKeepsItsColour) {
     m_drawing.drawArea(0, true);
     m_drawing.drawArea(1, false);
     m_set.areas[0].pop_back();
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(m_set.areas.size(), true);
     expectShape(outline(0), GL_LINE_STRIP, {a, b, c}, blue);
     EXPECT_EQ(outlineColour(1), red);
 }
 
 TEST_F(MeasurementDrawingTest, AreaNeverDrawnCountsAsNotMeasured) {
     m_set.areas = {{a, b, c}};
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(m_set.areas.size(), true);
     EXPECT_EQ(outlineColour(0), red);
 }
 
@@ -577,7 +575,7 @@ TEST_F(MeasurementDrawingTest, NextDrawingTakesThePreviewAway) {
     EXPECT_EQ(preview(), nullptr);
     m_drawing.drawAreaPreview(pointer);
     ASSERT_NE(preview(), nullptr);
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(m_set.areas.size(), true);
     EXPECT_EQ(preview(), nullptr);
     m_drawing.drawTravelPreview(pointer);
     ASSERT_NE(preview(), nullptr);
@@ -692,7 +690,7 @@ TEST_F(MeasurementDrawingTest, WithoutASceneNothingHappens) {
     EXPECT_TRUE(isShown());
     // What was learnt meanwhile is not lost.
     m_drawing.setModelSwitch(m_switch);
-    m_drawing.redrawAreas();
+    m_drawing.drawArea(m_set.areas.size(), true);
     EXPECT_EQ(outlineColour(0), blue);
 }
 

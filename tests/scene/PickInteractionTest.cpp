@@ -130,7 +130,7 @@ using Labels = std::vector<std::string>;
 using Points = std::vector<osg::Vec3d>;
 
 /// A polygon of four corners that the rules accept: no two edges are parallel.
-const std::vector<CanvasPixel> quadrangle = {{0, 0}, {10, 1}, {13, 12}, {2, 9}};
+const std::vector<CanvasPixel> quadrangle = {{1, 1}, {11, 2}, {14, 13}, {3, 10}};
 
 } // namespace
 
@@ -209,10 +209,13 @@ TEST_F(PickInteractionTest, NothingIsPickedWithoutASurface) {
     EXPECT_TRUE(menu().empty());
 }
 
-TEST_F(PickInteractionTest, FirstClickInTheCornerCounts) {
+TEST_F(PickInteractionTest, FirstClickInTheUpperLeftCornerIsTakenForASecondOne) {
     m_interaction.setPointMode(true);
     click(0, 0);
-    EXPECT_EQ(m_set.points.size(), 1u);
+    EXPECT_TRUE(m_set.points.empty());
+    click(1, 0);
+    click(0, 0);
+    EXPECT_EQ(m_set.points.size(), 2u);
 }
 
 TEST_F(PickInteractionTest, MeasuresWithoutATable) {
@@ -329,7 +332,7 @@ TEST_F(PickInteractionTest, LineClearRemovesTheCurrentLineOnly) {
 TEST_F(PickInteractionTest, AreaIsMeasuredFromThreeVerticesOn) {
     m_interaction.setAreaMode(true);
     m_plane.places = {{{10, 0}, {10, 0, 1}}, {{0, 10}, {0, 10, 2}}};
-    click({{0, 0}, {10, 0}});
+    click({{0, -1}, {10, 0}});
     EXPECT_TRUE(m_set.areaTriangles.empty());
     click(0, 10);
     EXPECT_EQ(m_set.areaTriangles.size(), 3u);
@@ -347,7 +350,7 @@ TEST_F(PickInteractionTest, AreaIsMeasuredFromThreeVerticesOn) {
 
 TEST_F(PickInteractionTest, CrossingVertexIsKept) {
     m_interaction.setAreaMode(true);
-    click({{0, 0}, {10, 10}, {10, 1}, {1, 11}});
+    click({{0, -1}, {10, 10}, {10, 1}, {1, 11}});
     EXPECT_EQ(m_set.areas.back().size(), 4u);
     EXPECT_FALSE(m_interaction.areaFinished());
 }
@@ -355,7 +358,7 @@ TEST_F(PickInteractionTest, CrossingVertexIsKept) {
 TEST_F(PickInteractionTest, AreaMenuNeedsThreeVerticesToFinish) {
     m_interaction.setAreaMode(true);
     EXPECT_TRUE(menu().empty());
-    click({{0, 0}, {10, 1}});
+    click({{0, -1}, {10, 1}});
     EXPECT_EQ(menu(), (Labels{"(finish)", "back", "clear"}));
     click(13, 12);
     EXPECT_EQ(menu(), (Labels{"finish", "back", "clear"}));
@@ -377,7 +380,7 @@ TEST_F(PickInteractionTest, AreaBackMeasuresAgain) {
 TEST_F(PickInteractionTest, FailedAreaBackRemovesOneVertexMore) {
     m_interaction.setAreaMode(true);
     // With the fourth vertex the polygon crosses itself, whatever the fifth.
-    click({{0, 0}, {10, 10}, {10, 1}, {1, 11}, {-0, 30}});
+    click({{0, -1}, {10, 10}, {10, 1}, {1, 11}, {-0, 30}});
     ASSERT_EQ(m_set.areas.back().size(), 5u);
     m_interaction.run(PickCommand::BackArea);
     EXPECT_EQ(m_set.areas.back().size(), 3u);
@@ -385,7 +388,7 @@ TEST_F(PickInteractionTest, FailedAreaBackRemovesOneVertexMore) {
 
 TEST_F(PickInteractionTest, AreaBackToNothingIsNotOffered) {
     m_interaction.setAreaMode(true);
-    click(0, 0);
+    click(0, -1);
     m_interaction.run(PickCommand::BackArea);
     EXPECT_EQ(m_set.areas, std::vector<MeasureArea>(1));
     EXPECT_EQ(menu(), (Labels{"(finish)", "(back)", "clear"}));
@@ -395,7 +398,7 @@ TEST_F(PickInteractionTest, AreaBackToNothingIsNotOffered) {
 
 TEST_F(PickInteractionTest, AreaClearOfTheOnlyAreaLeavesNone) {
     m_interaction.setAreaMode(true);
-    click({{0, 0}, {10, 1}});
+    click({{0, -1}, {10, 1}});
     m_table.take();
     m_interaction.run(PickCommand::ClearArea);
     EXPECT_TRUE(m_set.areas.empty());
@@ -409,7 +412,7 @@ TEST_F(PickInteractionTest, AreaClearOfTheOnlyAreaLeavesNone) {
 TEST_F(PickInteractionTest, AreaClearFillsTheAreaBeforeIt) {
     m_interaction.setAreaMode(true);
     m_plane.places = {{{10, 0}, {10, 0, 1}}, {{0, 10}, {0, 10, 2}}};
-    click({{0, 0}, {10, 0}, {0, 10}, {0, 10}, {30, 30}, {40, 30}});
+    click({{0, -1}, {10, 0}, {0, 10}, {0, 10}, {30, 30}, {40, 30}});
     m_interaction.run(PickCommand::ClearArea);
     EXPECT_EQ(m_set.areaTriangles.size(), 3u);
     EXPECT_EQ(drawnVertices().size(), 6u);
@@ -615,7 +618,7 @@ TEST_F(PickInteractionTest, TableThatErasesTheCurrentLineFinishesIt) {
 TEST_F(PickInteractionTest, TableThatChangesTheCurrentAreaFillsItAnew) {
     m_interaction.setAreaMode(true);
     m_plane.places = {{{10, 0}, {10, 0, 1}}, {{0, 10}, {0, 10, 2}}};
-    click({{0, 0}, {10, 0}, {0, 10}});
+    click({{0, -1}, {10, 0}, {0, 10}});
     m_set.areas.back().pop_back();
     m_interaction.areasChanged(false);
     EXPECT_TRUE(m_set.areaTriangles.empty());

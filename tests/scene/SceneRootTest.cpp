@@ -84,6 +84,15 @@ protected:
 
 } // namespace
 
+TEST_F(SceneRootTest, GeometryAloneStaysInItsPlaceAndCountsAsUnchanging) {
+    const osg::ref_ptr<osg::Geode> geode = makeQuadGeode(modelSide, modelCenter);
+    const osg::ref_ptr<osg::Geometry> geometry = geode->getDrawable(0)->asGeometry();
+    geode->removeDrawables(0);
+    rebuild(*geometry);
+    EXPECT_EQ(m_scene.modelSwitch()->getChild(SceneRoot::modelChild), geometry);
+    EXPECT_NE(geometry->getDataVariance(), osg::Object::DYNAMIC);
+}
+
 TEST_F(SceneRootTest, IsEmptyBeforeTheFirstModel) {
     ASSERT_NE(m_scene.root(), nullptr);
     EXPECT_EQ(m_scene.root()->getNumChildren(), 0u);

@@ -8,6 +8,7 @@
 #include <wx/filename.h>
 #include <wx/frame.h>
 #include <wx/html/helpctrl.h>
+#include <wx/menu.h>
 #include <wx/notebook.h>
 #include <wx/strconv.h>
 
@@ -18,9 +19,11 @@
 #include <GL/glx.h>
 #include <X11/Xlib.h>
 
-// The one function wanted of GTK itself, which the toolkit brings along without its headers.
+// What is wanted of GTK itself, which the toolkit brings along without its headers.
 extern "C" {
+struct _GtkMenu;   // NOLINT(bugprone-reserved-identifier)
 struct _GtkWindow; // NOLINT(bugprone-reserved-identifier)
+void gtk_menu_popdown(_GtkMenu* menu);
 void gtk_window_get_position(_GtkWindow* window, int* x, int* y);
 }
 
@@ -153,6 +156,10 @@ void sizePages(wxNotebook& notebook) {
     const wxSize pageSize = notebook.GetSize() - notebook.CalcSizeFromPage(wxSize(0, 0));
     for (std::size_t page = 0; page < notebook.GetPageCount(); ++page)
         notebook.GetPage(page)->SetSize(pageSize);
+}
+
+void closeMenu(wxMenu& menu) {
+    gtk_menu_popdown(reinterpret_cast<_GtkMenu*>(menu.m_menu));
 }
 
 void leaveGraphicsContext() {

@@ -121,6 +121,10 @@ void sizePages(wxNotebook&) {
     // The notebook itself does so whenever its own size changes.
 }
 
+void closeMenu(wxMenu&) {
+    EndMenu();
+}
+
 void leaveGraphicsContext() {
     wglMakeCurrent(nullptr, nullptr);
 }
