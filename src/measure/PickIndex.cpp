@@ -4,7 +4,6 @@
 #include <osg/NodeVisitor>
 
 #include <algorithm>
-#include <cstring>
 #include <typeinfo>
 #include <utility>
 
@@ -36,9 +35,9 @@ bool isSmall(const osg::Geometry& geometry) {
 }
 
 /// The matrices' own comparison takes what is no number for equal to anything.
-bool sameBits(const osg::Matrixd& one, const osg::Matrixd& other) {
+bool equal(const osg::Matrixd& one, const osg::Matrixd& other) {
     constexpr std::size_t elements = 16;
-    return std::memcmp(one.ptr(), other.ptr(), elements * sizeof(*one.ptr())) == 0;
+    return std::equal(one.ptr(), one.ptr() + elements, other.ptr());
 }
 
 /// Whether the geometry, under this matrix, is one for a tree.
@@ -206,7 +205,7 @@ PickIndex::Entry* PickIndex::entryOf(const osg::Geometry& geometry, const osg::M
     if (found == m_entries.end())
         return nullptr;
     for (Entry& entry : found->second)
-        if (sameBits(entry.matrix, matrix))
+        if (equal(entry.matrix, matrix))
             return &entry;
     return nullptr;
 }
