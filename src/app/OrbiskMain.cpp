@@ -11,6 +11,7 @@
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
 #include "platform/Platform.h"
+#include "roam/RoamPath.h"
 #include "settings/AppSettings.h"
 #include "view/ModelWriter.h"
 #include "view/OSGCanvas.h"
@@ -104,7 +105,9 @@ wxEND_EVENT_TABLE()
 
 OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
     : m_docking(nullptr), m_drawing(measurementSet()),
-      m_interaction(measurementSet(), m_drawing, {}) {
+      m_interaction(measurementSet(), m_drawing, [this](const TravelPath& points) {
+          m_viewer.startRoam(*buildRoamPath(points, roamParameters()));
+      }) {
     Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
     SetIcons(platform::programIcon());
     m_docking.SetManagedWindow(this);
