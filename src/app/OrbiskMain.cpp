@@ -12,7 +12,9 @@
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
 #include "platform/Platform.h"
+#include "roam/RoamPath.h"
 #include "settings/AppSettings.h"
+#include "settings/DataDialog.h"
 #include "view/ModelWriter.h"
 #include "view/OSGCanvas.h"
 #include "view/ThreadingPause.h"
@@ -105,7 +107,9 @@ wxEND_EVENT_TABLE()
 
 OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
     : m_docking(nullptr), m_drawing(measurementSet()),
-      m_interaction(measurementSet(), m_drawing, {}) {
+      m_interaction(measurementSet(), m_drawing, [this](const TravelPath& points) {
+          m_viewer.startRoam(*buildRoamPath(points, roamParameters()));
+      }) {
     Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
     SetIcons(platform::programIcon());
     m_docking.SetManagedWindow(this);
@@ -346,6 +350,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
         return showAbout(this);
     case Command::Help:
         return platform::openHelp(appSettings().language);
+    case Command::Options:
+        return showOptions();
     case Command::Chinese:
         return CallAfter([this] { switchLanguage(languageChinese); });
     case Command::English:
@@ -357,9 +363,11 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
     case Command::Gray:
         return setDisplayMode(command, checked);
     case Command::Toolbar:
-        return showToolBar(checked);
+        appSettings().tool_show = checked ? 1 : 0;
+        return updateToolBar();
     case Command::Skybox:
-        return showSkybox(checked);
+        appSettings().sky_show = checked ? 1 : 0;
+        return updateSkybox();
     case Command::PointPick:
     case Command::LinePick:
     case Command::AreaPick:
@@ -425,16 +433,25 @@ void OrbiskFrame::setMeasureMode(Command command, bool checked) {
         m_interaction.setTravelMode(checked);
 }
 
-void OrbiskFrame::showToolBar(bool shown) {
-    appSettings().tool_show = shown ? 1 : 0;
+void OrbiskFrame::showOptions() {
+    DataDialog dialog(this);
+    if (dialog.ShowModal() != wxID_OK)
+        return;
+    dialog.transfer();
+    updateToolBar();
+    updateSkybox();
+}
+
+void OrbiskFrame::updateToolBar() {
+    const bool shown = appSettings().tool_show != 0;
     m_bars->setChecked(Command::Toolbar, shown);
     m_docking.GetPane(toolBarPane).Show(shown);
     stretchToolBar();
     m_docking.Update();
 }
 
-void OrbiskFrame::showSkybox(bool shown) {
-    appSettings().sky_show = shown ? 1 : 0;
+void OrbiskFrame::updateSkybox() {
+    const bool shown = appSettings().sky_show != 0;
     m_bars->setChecked(Command::Skybox, shown);
     m_viewer.setSkyShown(shown);
 }

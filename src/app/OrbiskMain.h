@@ -77,8 +77,10 @@ private:
     void saveWithDialog();
     void setDisplayMode(Command command, bool checked);
     void setMeasureMode(Command command, bool checked);
-    void showToolBar(bool shown);
-    void showSkybox(bool shown);
+    void showOptions();
+    /// Each brings the command and what it shows in line with the settings.
+    void updateToolBar();
+    void updateSkybox();
     void resetModel();
     void leaveMeasureModes(bool roamWasOn);
     void connectMeasuring();

@@ -315,9 +315,10 @@ void PickInteraction::clearArea() {
 }
 
 void PickInteraction::finishTravel() {
-    if (m_startRoam)
-        m_startRoam(m_set.travelPoints);
+    const TravelPath path = std::exchange(m_set.travelPoints, {});
     clearTravel();
+    if (m_startRoam)
+        m_startRoam(path);
 }
 
 void PickInteraction::backTravel() {

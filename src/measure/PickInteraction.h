@@ -56,7 +56,7 @@ public:
     using StartRoam = std::function<void(const TravelPath&)>;
 
     /// @param set what is measured, and @param drawing its picture; both outlive this.
-    /// @param startRoam flies along the travel points, which are forgotten thereafter.
+    /// @param startRoam flies along the travel points, of which the set has been emptied by then.
     PickInteraction(MeasurementSet& set, MeasurementDrawing& drawing, StartRoam startRoam);
     ~PickInteraction() override;
 

@@ -15,6 +15,13 @@ struct RoamParameters {
     /// radius above the path and crosses one radius in ten seconds. The angles stay. A radius of
     /// zero gives an infinite pace.
     void resetForModel(double radius);
+
+    /// The roam's speed, metres a second; infinite at a pace of zero.
+    double speed() const { return 1.0 / secondsPerMetre; }
+
+    /// Sets the pace by a speed (metres a second). One below a millionth of that, or none at all,
+    /// gives the pace that the model began with: infinite before any model was opened.
+    void setSpeed(double metresPerSecond);
 };
 
 /// The one record of the process; used on the user-interface thread only.

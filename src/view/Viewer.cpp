@@ -2,6 +2,8 @@
 
 #include "view/ThreadingPause.h"
 
+#include <osgGA/AnimationPathManipulator>
+
 namespace orbisk {
 
 Viewer::Viewer() = default;
@@ -97,6 +99,18 @@ void Viewer::resetManipulator() {
     m_trackball->setNode(m_model.get());
     setHome(*m_trackball, m_home);
     m_viewer->home();
+}
+
+void Viewer::startRoam(osg::AnimationPath& path) {
+    if (!m_viewer)
+        return;
+    const osg::ref_ptr<osgGA::AnimationPathManipulator> pilot = new osgGA::AnimationPathManipulator;
+    pilot->setAnimationPath(&path);
+    // It would print a line for every round, which is every frame on a path of one point.
+    pilot->setPrintOutTimingInfo(false);
+    m_viewer->setCameraManipulator(pilot, true);
+    // The library's reset counts the flight from the viewer's start, not from now.
+    pilot->home(m_viewer->elapsedTime());
 }
 
 void Viewer::setSkyShown(bool shown) {

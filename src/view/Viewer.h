@@ -5,6 +5,7 @@
 #include "view/OSGCanvas.h"
 #include "view/SceneRoot.h"
 
+#include <osg/AnimationPath>
 #include <osgViewer/Viewer>
 
 #include <optional>
@@ -40,6 +41,11 @@ public:
 
     /// Puts a new trackball on the camera and looks from home.
     void resetManipulator();
+
+    /// Flies the camera along `path` from its beginning on, over and over, until another
+    /// manipulator is put on it. Along an empty path it stands at the world's origin. Without a
+    /// model nothing happens.
+    void startRoam(osg::AnimationPath& path);
 
     void setSkyShown(bool shown);
 

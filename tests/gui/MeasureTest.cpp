@@ -1,6 +1,6 @@
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
-#include "support/GuiTest.h"
+#include "support/CanvasTest.h"
 #include "support/Screen.h"
 #include "support/TableTest.h"
 #include "support/TestModels.h"
@@ -11,7 +11,6 @@
 #include <osgDB/WriteFile>
 #include <osgUtil/IntersectionVisitor>
 #include <osgUtil/LineSegmentIntersector>
-#include <wx/timer.h>
 #include <wx/uiaction.h>
 
 #include <algorithm>
@@ -24,61 +23,8 @@
 namespace orbisk::test {
 
 /// Measures with the mouse itself on the canvas.
-class MeasureTest : public GuiTest {
+class MeasureTest : public CanvasTest {
 protected:
-    void startWith(const std::string& model) {
-        writeSettings(R"({"x":20,"y":20,"w":820,"h":620})", languageEnglish);
-        start();
-        load(model);
-        measurementSet().clear();
-        runFor(0.3);
-    }
-
-    static wxPoint middle() {
-        const wxSize size = frame()->canvas()->GetClientSize();
-        return {size.x / 2, size.y / 2};
-    }
-
-    /// A click at a place of the canvas.
-    static void clickAt(const wxPoint& place, int button = wxMOUSE_BTN_LEFT) {
-        wxUIActionSimulator mouse;
-        mouse.MouseMove(onScreen(*frame()->canvas(), place));
-        runFor(0.1);
-        mouse.MouseClick(button);
-        runFor(0.2);
-    }
-
-    /// A right click, after which the entry of this label is chosen with the keyboard.
-    static void chooseFromMenu(const wxPoint& place, const std::string& label) {
-        OSGCanvas& canvas = *frame()->canvas();
-        // The menu has an event loop of its own, in which timers run.
-        wxTimer timer;
-        int downs = 0;
-        timer.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
-            wxUIActionSimulator keyboard;
-            for (int i = 0; i < downs; ++i)
-                keyboard.Char(WXK_DOWN);
-            keyboard.Char(WXK_RETURN);
-        });
-        bool closed = false;
-        const auto onOpen = [&](wxMenuEvent& event) {
-            for (const wxMenuItem* item : event.GetMenu()->GetMenuItems()) {
-                downs += item->IsEnabled() ? 1 : 0;
-                if (item->GetItemLabelText() == label)
-                    break;
-            }
-            timer.StartOnce(200);
-        };
-        const auto onClose = [&closed](wxMenuEvent&) { closed = true; };
-        canvas.Bind(wxEVT_MENU_OPEN, onOpen);
-        canvas.Bind(wxEVT_MENU_CLOSE, onClose);
-        clickAt(place, wxMOUSE_BTN_RIGHT);
-        EXPECT_TRUE(runUntil([&closed] { return closed; }, 10.0));
-        runFor(0.2);
-        canvas.Unbind(wxEVT_MENU_OPEN, onOpen);
-        canvas.Unbind(wxEVT_MENU_CLOSE, onClose);
-    }
-
     /// What a place of the canvas shows: a line from the near plane to the far plane.
     static std::pair<osg::Vec3d, osg::Vec3d> sightLine(const wxPoint& place) {
         const osg::Camera& camera = *frame()->viewer().osgViewer()->getCamera();
@@ -107,8 +53,6 @@ protected:
         const double size = static_cast<double>(frame()->loader().modelNode()->getBound().radius());
         EXPECT_LT((point - expected).length(), 1e-6 * size);
     }
-
-    static MeasurementSet& set() { return measurementSet(); }
 
     /// A tilted square around (5e5, 4e6, 100), drawn from one side and the other.
     static std::string writeSlope() {

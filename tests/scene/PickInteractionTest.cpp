@@ -80,7 +80,11 @@ class PickInteractionTest : public testing::Test {
 protected:
     PickInteractionTest()
         : m_switch(new osg::Switch), m_drawing(m_set),
-          m_interaction(m_set, m_drawing, [this](const TravelPath& path) { m_flown = path; }) {
+          m_interaction(m_set, m_drawing, [this](const TravelPath& path) {
+              m_flown = path;
+              m_collectedAtStart = m_set.travelPoints;
+              m_drawnAtStart = isDrawn();
+          }) {
         for (int i = 0; i < 2; ++i)
             m_switch->addChild(new osg::Group);
         m_drawing.setModelSwitch(m_switch);
@@ -123,6 +127,8 @@ protected:
     PixelPlane m_plane;
     RecordingTable m_table;
     std::optional<TravelPath> m_flown;
+    TravelPath m_collectedAtStart{{}};
+    bool m_drawnAtStart = true;
     PickInteraction m_interaction;
 };
 
@@ -434,6 +440,16 @@ TEST_F(PickInteractionTest, TravelPathIsCollectedAndFlown) {
     m_flown.reset();
     click(5, 1);
     EXPECT_FALSE(m_flown) << "a third click would end the roam by flying along nothing";
+}
+
+TEST_F(PickInteractionTest, RoamStartsWhenItsPointsAreConsumed) {
+    m_interaction.setTravelMode(true);
+    click(1, 1);
+    click(5, 1);
+    m_interaction.run(PickCommand::FinishTravel);
+    EXPECT_EQ(m_flown, (TravelPath{{1, 1, 0}, {5, 1, 0}}));
+    EXPECT_TRUE(m_collectedAtStart.empty());
+    EXPECT_FALSE(m_drawnAtStart);
 }
 
 TEST_F(PickInteractionTest, TravelMenuIsAlwaysThere) {
