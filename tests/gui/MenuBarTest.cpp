@@ -186,7 +186,7 @@ TEST_F(MenuBarTest, ItemsAnswerToTheKeyboard) {
 
 TEST_F(MenuBarTest, CommandsOfWindowsToComeDoNothingYet) {
     start();
-    for (const Command command : {Command::OpenUrl, Command::Options, Command::MeasureTable})
+    for (const Command command : {Command::OpenUrl, Command::MeasureTable})
         choose(command);
     clickTool(Command::Tips);
     EXPECT_TRUE(frame()->IsShownOnScreen());
