@@ -10,6 +10,10 @@
 #include "app/WindowPlacement.h"
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
+#include "online/OnlineAddresses.h"
+#include "online/Tips.h"
+#include "online/TipsReceiver.h"
+#include "online/URLDialog.h"
 #include "platform/Platform.h"
 #include "settings/AppSettings.h"
 #include "view/ModelWriter.h"
@@ -118,7 +122,10 @@ OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
     buildContents();
     Bind(wxEVT_SIZE, &OrbiskFrame::onSize, this);
     Bind(evtLoadProgress, &OrbiskFrame::onProgress, this);
+    m_tips = std::make_unique<Tips>(this);
+    Bind(evtTip, &OrbiskFrame::onTip, this);
     m_docking.Update();
+    m_tips->fetch(tipServer());
 }
 
 OrbiskFrame::~OrbiskFrame() {
@@ -317,7 +324,13 @@ void OrbiskFrame::onProgress(wxThreadEvent& event) {
         createOSGViewer();
 }
 
+void OrbiskFrame::onTip(wxThreadEvent& event) {
+    m_tips->store(event.GetString());
+    AddPendingEvent(wxCommandEvent(wxEVT_MENU, m_bars->toolId(Command::Tips)));
+}
+
 void OrbiskFrame::onClose(wxCloseEvent& event) {
+    m_tips->close();
     // The reader cannot be stopped and reports to this frame, which therefore outlives it.
     if (m_loader->isLoading()) {
         m_closeAfterLoad = true;
@@ -334,6 +347,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
     switch (command) {
     case Command::Open:
         return openWithDialog();
+    case Command::OpenUrl:
+        return openUrlWithDialog(this);
     case Command::Save:
         return saveWithDialog();
     case Command::Quit:
@@ -364,6 +379,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
         return setMeasureMode(command, checked);
     case Command::MeasureTable:
         return showMeasurementTable();
+    case Command::Tips:
+        return m_tips->show(this);
     default:
         return;
     }

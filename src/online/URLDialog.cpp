@@ -1,0 +1,69 @@
+#include "online/URLDialog.h"
+
+#include "app/WebBrowser.h"
+#include "online/OnlineAddresses.h"
+
+#include <wx/button.h>
+#include <wx/intl.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+
+namespace orbisk {
+
+namespace {
+
+const wxSize clientSize(422, 103);
+const wxSize textSize(269, 22);
+constexpr int border = 5;
+
+} // namespace
+
+URLDialog::URLDialog(wxWindow* parent)
+    : wxDialog(parent, wxID_ANY, _("URL Open..."), wxDefaultPosition, wxDefaultSize,
+               wxCAPTION | wxSYSTEM_MENU | wxCLOSE_BOX) {
+    auto* label = new wxStaticText(this, wxID_ANY, _("URL:"), wxDefaultPosition, wxDefaultSize, 0,
+                                   "ID_STATICTEXT");
+    m_text = new wxTextCtrl(this, wxID_ANY, wxEmptyString, wxDefaultPosition, FromDIP(textSize), 0,
+                            wxDefaultValidator, "ID_TEXTCTRL");
+    auto* again = new wxButton(this, wxID_ANY, _("Label"), wxDefaultPosition, wxDefaultSize, 0,
+                               wxDefaultValidator, "ID_BUTTON1");
+    again->SetToolTip(_("Put the proposed address back"));
+    again->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { m_text->ChangeValue(m_proposed); });
+
+    auto* row = new wxBoxSizer(wxHORIZONTAL);
+    row->Add(label, wxSizerFlags().CentreVertical().Border(wxALL, border));
+    row->Add(m_text, wxSizerFlags(1).CentreVertical().Border(wxALL, border));
+    row->Add(again, wxSizerFlags().CentreVertical().Border(wxALL, border));
+    auto* buttons = new wxStdDialogButtonSizer;
+    buttons->AddButton(new wxButton(this, wxID_OK));
+    buttons->AddButton(new wxButton(this, wxID_CANCEL));
+    buttons->Realize();
+    auto* column = new wxBoxSizer(wxVERTICAL);
+    column->Add(row, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, border));
+    column->Add(buttons, wxSizerFlags().Expand().Border(wxALL, border));
+    SetSizer(column);
+    SetClientSize(FromDIP(clientSize));
+    Layout();
+    Centre(wxBOTH);
+}
+
+void URLDialog::setAddress(const wxString& address) {
+    m_proposed = address;
+    m_text->SetValue(address);
+}
+
+wxString URLDialog::address() const {
+    return m_text->GetValue();
+}
+
+void openUrlWithDialog(wxWindow* parent) {
+    auto* dialog = new URLDialog(parent);
+    dialog->setAddress(wxString::FromUTF8(storedUrl()));
+    dialog->ShowModal();
+    // Cancel and the close box open the address as well: closing the dialog is what asks for it.
+    openInBrowser(dialog->address());
+    dialog->Destroy();
+}
+
+} // namespace orbisk
