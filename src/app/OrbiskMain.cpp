@@ -192,7 +192,10 @@ void OrbiskFrame::buildWelcomePane() {
     m_welcomePanel->Bind(wxEVT_PAINT, [this, first = true](wxPaintEvent& event) mutable {
         event.Skip();
         if (std::exchange(first, false))
-            CallAfter([this] { ensureCanvas(); });
+            CallAfter([this] {
+                ensureCanvas();
+                wasSeen();
+            });
     });
 }
 
@@ -263,6 +266,7 @@ void OrbiskFrame::replaceWelcomePanel() {
     ensureCanvas();
     m_docking.GetPane(canvasPane).Show();
     m_docking.Update();
+    wasSeen();
 }
 
 void OrbiskFrame::openFile(const wxString& path) {
@@ -326,7 +330,19 @@ void OrbiskFrame::onProgress(wxThreadEvent& event) {
 
 void OrbiskFrame::onTip(wxThreadEvent& event) {
     m_tips->store(event.GetString());
-    AddPendingEvent(wxCommandEvent(wxEVT_MENU, m_bars->toolId(Command::Tips)));
+    m_tipWaits = true;
+    if (m_seen)
+        showWaitingTip();
+}
+
+void OrbiskFrame::wasSeen() {
+    m_seen = true;
+    showWaitingTip();
+}
+
+void OrbiskFrame::showWaitingTip() {
+    if (std::exchange(m_tipWaits, false))
+        AddPendingEvent(wxCommandEvent(wxEVT_MENU, m_bars->toolId(Command::Tips)));
 }
 
 void OrbiskFrame::onClose(wxCloseEvent& event) {

@@ -69,6 +69,8 @@ private:
     void stretchToolBar();
     void rebuildContents();
     void replaceWelcomePanel();
+    void wasSeen();
+    void showWaitingTip();
 
     void onSize(wxSizeEvent& event);
     void onIdle(wxIdleEvent& event);
@@ -100,6 +102,9 @@ private:
     PickInteraction m_interaction;
     wxWeakRef<PickDialog> m_measurementTable;
     std::unique_ptr<Tips> m_tips;
+    /// Before the frame was seen for the first time, a dialog could not tell where to stand.
+    bool m_seen = false;
+    bool m_tipWaits = false;
     bool m_closeAfterLoad = false;
 
     wxDECLARE_EVENT_TABLE();

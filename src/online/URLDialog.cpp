@@ -15,7 +15,9 @@ namespace {
 
 const wxSize clientSize(422, 103);
 const wxSize textSize(269, 22);
-constexpr int border = 5;
+/// To the edge, as the sizer of standard buttons has it.
+constexpr int margin = 12;
+constexpr int gap = 8;
 
 } // namespace
 
@@ -26,22 +28,24 @@ URLDialog::URLDialog(wxWindow* parent)
                                    "ID_STATICTEXT");
     m_text = new wxTextCtrl(this, wxID_ANY, wxEmptyString, wxDefaultPosition, FromDIP(textSize), 0,
                             wxDefaultValidator, "ID_TEXTCTRL");
-    auto* again = new wxButton(this, wxID_ANY, _("Label"), wxDefaultPosition, wxDefaultSize, 0,
-                               wxDefaultValidator, "ID_BUTTON1");
+    auto* again = new wxButton(this, wxID_ANY, _("Label"), wxDefaultPosition, wxDefaultSize,
+                               wxBU_EXACTFIT, wxDefaultValidator, "ID_BUTTON1");
     again->SetToolTip(_("Put the proposed address back"));
     again->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { m_text->ChangeValue(m_proposed); });
+    auto* ok = new wxButton(this, wxID_OK, _("OK"));
+    ok->SetDefault();
 
     auto* row = new wxBoxSizer(wxHORIZONTAL);
-    row->Add(label, wxSizerFlags().CentreVertical().Border(wxALL, border));
-    row->Add(m_text, wxSizerFlags(1).CentreVertical().Border(wxALL, border));
-    row->Add(again, wxSizerFlags().CentreVertical().Border(wxALL, border));
+    row->Add(label, wxSizerFlags().CentreVertical());
+    row->Add(m_text, wxSizerFlags().CentreVertical().Border(wxLEFT | wxRIGHT, FromDIP(gap)));
+    row->Add(again, wxSizerFlags(1).CentreVertical());
     auto* buttons = new wxStdDialogButtonSizer;
-    buttons->AddButton(new wxButton(this, wxID_OK));
-    buttons->AddButton(new wxButton(this, wxID_CANCEL));
+    buttons->AddButton(ok);
+    buttons->AddButton(new wxButton(this, wxID_CANCEL, _("Cancel")));
     buttons->Realize();
     auto* column = new wxBoxSizer(wxVERTICAL);
-    column->Add(row, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, border));
-    column->Add(buttons, wxSizerFlags().Expand().Border(wxALL, border));
+    column->Add(row, wxSizerFlags(1).Expand().Border(wxLEFT | wxRIGHT, FromDIP(margin)));
+    column->Add(buttons, wxSizerFlags().Expand().Border(wxBOTTOM, FromDIP(margin)));
     SetSizer(column);
     SetClientSize(FromDIP(clientSize));
     Layout();

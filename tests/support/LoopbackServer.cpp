@@ -8,7 +8,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <stdexcept>
 #include <utility>
 
@@ -39,6 +38,14 @@ int listenAnywhere(int queue, unsigned short& port) {
         getsockname(result, general, &length) != 0)
         throw std::runtime_error("cannot listen");
     port = ntohs(address.sin_port);
+    return result;
+}
+
+/// A socket on its way to this port of the machine.
+int beginConnecting(unsigned short port) {
+    const int result = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    const sockaddr_in address = loopback(port);
+    connect(result, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
     return result;
 }
 
@@ -112,12 +119,16 @@ void LoopbackServer::serve() {
 }
 
 FullPort::FullPort() : m_sockets{listenAnywhere(0, m_port)} {
-    for (int i = 0; i < fillingConnections; ++i) {
-        const int filling = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-        const sockaddr_in address = loopback(m_port);
-        connect(filling, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
-        m_sockets.push_back(filling);
-    }
+    for (int i = 0; i < fillingConnections; ++i)
+        m_sockets.push_back(beginConnecting(m_port));
+}
+
+bool FullPort::answers() const {
+    constexpr int momentMilliseconds = 300;
+    pollfd watched{beginConnecting(m_port), POLLOUT, 0};
+    const bool connected = poll(&watched, 1, momentMilliseconds) != 0;
+    close(watched.fd);
+    return connected;
 }
 
 FullPort::~FullPort() {

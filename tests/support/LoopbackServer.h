@@ -72,6 +72,9 @@ public:
 
     unsigned short port() const { return m_port; }
 
+    /// Whether a connection comes about nevertheless, within a moment.
+    bool answers() const;
+
 private:
     unsigned short m_port = 0;
     std::vector<int> m_sockets;

@@ -10,7 +10,6 @@ extern "C" {
 void webkit_settings_set_enable_dns_prefetching(void* settings, int enabled);
 void webkit_settings_set_enable_html5_database(void* settings, int enabled);
 void webkit_settings_set_enable_html5_local_storage(void* settings, int enabled);
-void webkit_settings_set_enable_hyperlink_auditing(void* settings, int enabled);
 void webkit_settings_set_enable_javascript(void* settings, int enabled);
 void webkit_settings_set_enable_javascript_markup(void* settings, int enabled);
 void webkit_settings_set_enable_media(void* settings, int enabled);
@@ -68,8 +67,7 @@ void turnFeaturesOff(void* view) {
     void* settings = webkit_web_view_get_settings(view);
     for (const auto enable :
          {webkit_settings_set_enable_dns_prefetching, webkit_settings_set_enable_html5_database,
-          webkit_settings_set_enable_html5_local_storage,
-          webkit_settings_set_enable_hyperlink_auditing, webkit_settings_set_enable_javascript,
+          webkit_settings_set_enable_html5_local_storage, webkit_settings_set_enable_javascript,
           webkit_settings_set_enable_javascript_markup, webkit_settings_set_enable_media,
           webkit_settings_set_enable_webgl})
         enable(settings, 0);
