@@ -47,14 +47,17 @@ std::vector<Window> childrenOf(Display* display, Window window) {
     return {children, children + count};
 }
 
-bool existsBelow(Display* display, Window window, const std::string& title, int depth) {
+/// The window of this title below `window`; `None` where there is none on the screen.
+Window findBelow(Display* display, Window window, const std::string& title, int depth) {
     for (const Window child : childrenOf(display, window)) {
         if (isTitled(display, child, title) && isOnScreen(display, child))
-            return true;
-        if (depth < deepestFrame && existsBelow(display, child, title, depth + 1))
-            return true;
+            return child;
+        if (depth == deepestFrame)
+            continue;
+        if (const Window found = findBelow(display, child, title, depth + 1); found != None)
+            return found;
     }
-    return false;
+    return None;
 }
 
 } // namespace
@@ -70,7 +73,22 @@ ShownWindow::~ShownWindow() {
 }
 
 bool ShownWindow::exists(const std::string& title) const {
-    return existsBelow(m_display, DefaultRootWindow(m_display), title, 1);
+    return findBelow(m_display, DefaultRootWindow(m_display), title, 1) != None;
+}
+
+void ShownWindow::close(const std::string& title) const {
+    XEvent event{};
+    XClientMessageEvent& message = event.xclient;
+    message.type = ClientMessage;
+    message.window = findBelow(m_display, DefaultRootWindow(m_display), title, 1);
+    if (message.window == None)
+        return;
+    message.message_type = XInternAtom(m_display, "WM_PROTOCOLS", False);
+    message.format = 32;
+    message.data.l[0] = static_cast<long>(XInternAtom(m_display, "WM_DELETE_WINDOW", False));
+    message.data.l[1] = CurrentTime;
+    XSendEvent(m_display, message.window, False, NoEventMask, &event);
+    XFlush(m_display);
 }
 
 } // namespace orbisk::bench

@@ -19,6 +19,10 @@ public:
     /// Whether a window of this title is on the screen.
     bool exists(const std::string& title) const;
 
+    /// Asks the window of this title to close, as its close button does; without one nothing
+    /// happens.
+    void close(const std::string& title) const;
+
 private:
     _XDisplay* m_display;
 };

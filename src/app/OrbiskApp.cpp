@@ -3,6 +3,7 @@
 #include "app/Language.h"
 #include "app/OrbiskMain.h"
 #include "app/SettingsText.h"
+#include "online/TipsThread.h"
 #include "settings/AppSettings.h"
 #include "settings/SettingsFile.h"
 
@@ -69,6 +70,17 @@ bool OrbiskApp::OnInit() {
     frame->Show(true);
     SetTopWindow(frame);
     return true;
+}
+
+int OrbiskApp::OnExit() {
+    const int result = wxApp::OnExit();
+    // A thread that waits for its server cannot be woken, and must not wake when what it uses is
+    // gone already. The settings are saved, nothing else is left to do.
+    if (TipsThread::isUnderWay()) {
+        std::fflush(nullptr);
+        std::_Exit(EXIT_SUCCESS);
+    }
+    return result;
 }
 
 void OrbiskApp::setUpLocale() {

@@ -12,6 +12,8 @@ class OrbiskApp : public wxApp {
 public:
     bool OnInit() override;
 
+    int OnExit() override;
+
     /// Installs the texts of the settings' language.
     void setUpLocale();
 

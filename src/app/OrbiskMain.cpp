@@ -11,6 +11,10 @@
 #include "app/WindowPlacement.h"
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
+#include "online/OnlineAddresses.h"
+#include "online/Tips.h"
+#include "online/TipsReceiver.h"
+#include "online/URLDialog.h"
 #include "platform/Platform.h"
 #include "roam/RoamPath.h"
 #include "settings/AppSettings.h"
@@ -123,7 +127,10 @@ OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
     buildContents();
     Bind(wxEVT_SIZE, &OrbiskFrame::onSize, this);
     Bind(evtLoadProgress, &OrbiskFrame::onProgress, this);
+    m_tips = std::make_unique<Tips>(this);
+    Bind(evtTip, &OrbiskFrame::onTip, this);
     m_docking.Update();
+    m_tips->fetch(tipServer());
 }
 
 OrbiskFrame::~OrbiskFrame() {
@@ -190,7 +197,10 @@ void OrbiskFrame::buildWelcomePane() {
     m_welcomePanel->Bind(wxEVT_PAINT, [this, first = true](wxPaintEvent& event) mutable {
         event.Skip();
         if (std::exchange(first, false))
-            CallAfter([this] { ensureCanvas(); });
+            CallAfter([this] {
+                ensureCanvas();
+                wasSeen();
+            });
     });
 }
 
@@ -261,6 +271,7 @@ void OrbiskFrame::replaceWelcomePanel() {
     ensureCanvas();
     m_docking.GetPane(canvasPane).Show();
     m_docking.Update();
+    wasSeen();
 }
 
 void OrbiskFrame::openFile(const wxString& path) {
@@ -323,7 +334,25 @@ void OrbiskFrame::onProgress(wxThreadEvent& event) {
         createOSGViewer();
 }
 
+void OrbiskFrame::onTip(wxThreadEvent& event) {
+    m_tips->store(event.GetString());
+    m_tipWaits = true;
+    if (m_seen)
+        showWaitingTip();
+}
+
+void OrbiskFrame::wasSeen() {
+    m_seen = true;
+    showWaitingTip();
+}
+
+void OrbiskFrame::showWaitingTip() {
+    if (std::exchange(m_tipWaits, false))
+        AddPendingEvent(wxCommandEvent(wxEVT_MENU, m_bars->toolId(Command::Tips)));
+}
+
 void OrbiskFrame::onClose(wxCloseEvent& event) {
+    m_tips->close();
     // The reader cannot be stopped and reports to this frame, which therefore outlives it.
     if (m_loader->isLoading()) {
         m_closeAfterLoad = true;
@@ -341,6 +370,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
     switch (command) {
     case Command::Open:
         return openWithDialog();
+    case Command::OpenUrl:
+        return openUrlWithDialog(this);
     case Command::Save:
         return saveWithDialog();
     case Command::Quit:
@@ -375,6 +406,8 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
         return setMeasureMode(command, checked);
     case Command::MeasureTable:
         return showMeasurementTable();
+    case Command::Tips:
+        return m_tips->show(this);
     default:
         return;
     }

@@ -17,6 +17,7 @@ namespace orbisk {
 class InitPanel;
 class OSGCanvas;
 class PickDialog;
+class Tips;
 
 /// The main window. It owns the parts of the program (docking panes, bars, loader, viewer) and
 /// connects them. Main thread.
@@ -46,6 +47,8 @@ public:
 
     PickInteraction& interaction() { return m_interaction; }
 
+    Tips& tips() { return *m_tips; }
+
     /// Null while it is closed.
     PickDialog* measurementTable() const { return m_measurementTable; }
 
@@ -66,10 +69,13 @@ private:
     void stretchToolBar();
     void rebuildContents();
     void replaceWelcomePanel();
+    void wasSeen();
+    void showWaitingTip();
 
     void onSize(wxSizeEvent& event);
     void onIdle(wxIdleEvent& event);
     void onProgress(wxThreadEvent& event);
+    void onTip(wxThreadEvent& event);
     void onClose(wxCloseEvent& event);
 
     void runCommand(Command command, bool checked);
@@ -97,6 +103,10 @@ private:
     MeasurementDrawing m_drawing;
     PickInteraction m_interaction;
     wxWeakRef<PickDialog> m_measurementTable;
+    std::unique_ptr<Tips> m_tips;
+    /// Before the frame was seen for the first time, a dialog could not tell where to stand.
+    bool m_seen = false;
+    bool m_tipWaits = false;
     bool m_closeAfterLoad = false;
 
     wxDECLARE_EVENT_TABLE();

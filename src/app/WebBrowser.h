@@ -5,7 +5,8 @@
 namespace orbisk {
 
 /// Opens a web address with the system's command for the file type "html"; without one nothing
-/// happens.
+/// happens. The command gets the address as one argument, exactly as it stands, whatever characters
+/// are in it. Main thread.
 void openInBrowser(const wxString& address);
 
 } // namespace orbisk

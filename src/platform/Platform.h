@@ -1,5 +1,6 @@
 #pragma once
 
+#include <wx/arrstr.h>
 #include <wx/bmpbndl.h>
 #include <wx/button.h>
 #include <wx/frame.h>
@@ -49,6 +50,9 @@ std::string localPath(const wxString& path);
 
 /// The text of a path in the local multibyte encoding; empty when it cannot be converted.
 wxString pathText(const std::string& localPath);
+
+/// The words of a command line, split as the system does before it runs one.
+wxArrayString commandWords(const wxString& command);
 
 /// Takes a borderless button's inner margins away, so that it fits where room is scarce.
 void makeFlat(wxWindow& button);

@@ -3,9 +3,8 @@
 #include "app/WebBrowser.h"
 #include "support/GuiTest.h"
 #include "support/LogCapture.h"
-#include "support/TestModels.h"
+#include "support/TestBrowser.h"
 
-#include <sys/stat.h>
 #include <wx/bmpbuttn.h>
 
 namespace orbisk::test {
@@ -38,27 +37,7 @@ protected:
         EXPECT_LE(logo().GetScreenRect().GetRight(), link().GetScreenRect().GetLeft());
     }
 
-    /// Environment in which "html" files open with a script that writes its arguments to a file.
-    /// The toolkit reads commands in lower case, so the script is found by its name alone.
-    Environment withBrowser() const {
-        const fs::path folder = m_private.path();
-        const fs::path script = folder / "orbisk-test-browser";
-        writeFile(script, "#!/bin/sh\nprintf '%s|' \"$#\" \"$@\" > " +
-                              (folder / "written").string() + "\nmv " +
-                              (folder / "written").string() + " " + opened().string() + "\n");
-        chmod(script.c_str(), 0700);
-        fs::create_directories(folder / "applications");
-        writeFile(folder / "applications/browser.desktop",
-                  "[Desktop Entry]\nType=Application\nName=Browser\nMimeType=text/html;\nExec=" +
-                      script.filename().string() + " %u\n");
-        return {{"XDG_DATA_HOME", folder.string()},
-                {"HOME", folder.string()},
-                {"PATH", folder.string() + ":" + std::getenv("PATH")}};
-    }
-
-    fs::path opened() const { return m_private.path() / "opened"; }
-
-    TemporaryFolder m_private;
+    TestBrowser m_browser;
 };
 
 TEST_F(StatusBarTest, HasTwoFieldsTheRightOneFixed) {
@@ -121,28 +100,27 @@ TEST_F(StatusBarTest, MessagesDoNotReachTheRightField) {
 }
 
 TEST_F(StatusBarTest, LinkOpensTheWebAddress) {
-    if (!inEnvironment(withBrowser()))
+    if (!inEnvironment(m_browser.environment()))
         return;
     start();
-    const fs::path result = fs::path(std::getenv("HOME")) / "opened";
     click(link());
-    ASSERT_TRUE(runUntil([&] { return fs::exists(result); }));
-    EXPECT_EQ(readFile(result), "1|" + webAddress() + "|");
+    ASSERT_TRUE(runUntil([] { return !TestBrowser::opened().empty(); }));
+    EXPECT_EQ(TestBrowser::opened(), "1|" + webAddress() + "|");
 }
 
 TEST_F(StatusBarTest, LogoOpensTheWebAddress) {
-    if (!inEnvironment(withBrowser()))
+    if (!inEnvironment(m_browser.environment()))
         return;
     start();
-    const fs::path result = fs::path(std::getenv("HOME")) / "opened";
     click(logo());
-    ASSERT_TRUE(runUntil([&] { return fs::exists(result); }));
-    EXPECT_EQ(readFile(result), "1|" + webAddress() + "|");
+    ASSERT_TRUE(runUntil([] { return !TestBrowser::opened().empty(); }));
+    EXPECT_EQ(TestBrowser::opened(), "1|" + webAddress() + "|");
 }
 
 TEST_F(StatusBarTest, NothingHappensWithoutABrowser) {
     // The toolkit's dialogs need what else there is in the system's folders.
-    const fs::path folder = m_private.path();
+    const TemporaryFolder privateFolder;
+    const fs::path folder = privateFolder.path();
     for (const char* name : {"glib-2.0", "icons", "themes", "fonts"})
         if (fs::exists(fs::path("/usr/share") / name))
             fs::create_symlink(fs::path("/usr/share") / name, folder / name);

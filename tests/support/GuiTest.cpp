@@ -1,5 +1,6 @@
 #include "support/GuiTest.h"
 
+#include "online/OnlineAddresses.h"
 #include "platform/Platform.h"
 
 #include <wx/app.h>
@@ -27,6 +28,8 @@ namespace {
 
 constexpr auto pause = std::chrono::milliseconds(2);
 constexpr int fileDialogTries = 2000;
+/// No server listens at the first port of this machine, which is told at once.
+const TipServer noTipServer{"127.0.0.1", 1};
 constexpr const char* childVariable = "ORBISK_TEST_CHILD";
 
 void failOnAssertion(const wxString& file, int line, const wxString& function,
@@ -95,6 +98,7 @@ GuiTest::GuiTest() {
     dialogActor().Register();
     wxSetAssertHandler(failOnAssertion);
     wxEventLoopBase::SetActive(&m_loop);
+    tipServer() = noTipServer;
     for (const char* folder : {"image", "internation", "help"})
         fs::create_symlink(fs::path(ORBISK_STAGE_DIR) / folder, m_folder.path() / folder);
 }

@@ -17,8 +17,9 @@ namespace orbisk::test {
 
 /// Runs the real program in a real window: a test prepares the working directory, starts the
 /// application, drives it and looks at it. The working directory is a fresh folder that holds the
-/// run-time files (sky, catalog, help) as links, and no settings file. A failed assertion of the
-/// toolkit and a dialog that no test waits for fail the test.
+/// run-time files (sky, catalog, help) as links, and no settings file. Nobody is asked for a tip,
+/// unless the test has a server for it. A failed assertion of the toolkit and a dialog that no test
+/// waits for fail the test.
 class GuiTest : public ::testing::Test {
 protected:
     GuiTest();

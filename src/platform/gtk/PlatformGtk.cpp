@@ -4,6 +4,7 @@
 #include "settings/AppSettings.h"
 
 #include <langinfo.h>
+#include <wx/cmdline.h>
 #include <wx/filefn.h>
 #include <wx/filename.h>
 #include <wx/frame.h>
@@ -135,6 +136,10 @@ std::string localPath(const wxString& path) {
 
 wxString pathText(const std::string& localPath) {
     return wxString(localPath.c_str(), wxConvLibc);
+}
+
+wxArrayString commandWords(const wxString& command) {
+    return wxCmdLineParser::ConvertStringToArgs(command, wxCMD_LINE_SPLIT_UNIX);
 }
 
 void makeFlat(wxWindow& button) {

@@ -4,6 +4,7 @@
 #include <direct.h>
 #include <io.h>
 #include <wx/bitmap.h>
+#include <wx/cmdline.h>
 #include <wx/icon.h>
 #include <wx/msw/wrapwin.h>
 #include <wx/strconv.h>
@@ -105,6 +106,10 @@ std::string localPath(const wxString& path) {
 
 wxString pathText(const std::string& localPath) {
     return wxString(localPath.c_str(), wxConvLibc);
+}
+
+wxArrayString commandWords(const wxString& command) {
+    return wxCmdLineParser::ConvertStringToArgs(command, wxCMD_LINE_SPLIT_DOS);
 }
 
 void makeFlat(wxWindow& button) {
