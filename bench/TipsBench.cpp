@@ -23,7 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
-constexpr int repetitions = 15;
+constexpr int repetitions = 31;
 constexpr auto pause = std::chrono::milliseconds(1);
 constexpr auto longestWait = std::chrono::seconds(60);
 constexpr const char* title = "Kelvane";

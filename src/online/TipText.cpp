@@ -57,11 +57,12 @@ bool appendGroup(std::string_view group, std::string& bytes) {
         place -= bitsInCharacter;
         bits |= static_cast<std::uint32_t>(value) << place;
     }
-    place = bitsInGroup;
-    for (std::size_t i = 0; i < byteCount(group.size()); ++i) {
-        place -= bitsInByte;
-        bytes.push_back(static_cast<char>(bits >> place & 0xffU));
+    std::array<char, bytesInGroup> decoded{};
+    for (auto byte = decoded.rbegin(); byte != decoded.rend(); ++byte) {
+        *byte = static_cast<char>(bits & 0xffU);
+        bits >>= bitsInByte;
     }
+    bytes.append(decoded.data(), byteCount(group.size()));
     return true;
 }
 

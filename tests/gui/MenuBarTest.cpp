@@ -184,13 +184,4 @@ TEST_F(MenuBarTest, ItemsAnswerToTheKeyboard) {
     EXPECT_TRUE(runUntil([&opened] { return opened; }, 10.0));
 }
 
-TEST_F(MenuBarTest, CommandsOfWindowsToComeDoNothingYet) {
-    start();
-    for (const Command command : {Command::OpenUrl, Command::MeasureTable})
-        choose(command);
-    clickTool(Command::Tips);
-    EXPECT_TRUE(frame()->IsShownOnScreen());
-    EXPECT_TRUE(frame()->welcomePanel() != nullptr);
-}
-
 } // namespace orbisk::test
