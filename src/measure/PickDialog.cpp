@@ -38,6 +38,12 @@ int share(int length, double part) {
     return static_cast<int>(length * part);
 }
 
+wxColour between(const wxColour& one, const wxColour& other) {
+    return {static_cast<unsigned char>((one.Red() + other.Red()) / 2),
+            static_cast<unsigned char>((one.Green() + other.Green()) / 2),
+            static_cast<unsigned char>((one.Blue() + other.Blue()) / 2)};
+}
+
 TableRows selectedRows(const wxGrid& grid) {
     const wxArrayInt rows = grid.GetSelectedRows();
     return {rows.begin(), rows.end()};
@@ -133,6 +139,10 @@ void PickDialog::setUpGrid(wxGrid& grid, MeasurementGridTable* table) {
     grid.SetDefaultColSize(share(size.x, columnWidthShare), true);
     grid.SetDefaultRowSize(share(size.y, rowHeightShare), true);
     grid.SetDefaultCellAlignment(wxALIGN_CENTRE, wxALIGN_CENTRE);
+    // Without the focus, as under a menu, selected rows have a pale ground: white is lost on it.
+    grid.SetSelectionBackground(
+        between(grid.GetSelectionBackground(), grid.GetDefaultCellBackgroundColour()));
+    grid.SetSelectionForeground(grid.GetDefaultCellTextColour());
     for (int column = 0; column < grid.GetNumberCols(); ++column) {
         auto* readOnly = new wxGridCellAttr;
         readOnly->SetReadOnly();

@@ -14,13 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::set<std::string> entriesOf(const fs::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder))
-        names.insert(entry.path().filename().string());
-    return names;
-}
-
 class FileReplacementTest : public ::testing::Test {
 protected:
     TemporaryFolder m_folder;

@@ -18,13 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::set<std::string> entriesOf(const fs::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder))
-        names.insert(entry.path().filename().string());
-    return names;
-}
-
 using Names = std::set<std::string>;
 
 /// Cell texts that tell which cell they are of.

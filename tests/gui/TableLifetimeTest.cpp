@@ -7,11 +7,9 @@
 #include "support/TestModels.h"
 #include "view/OSGCanvas.h"
 
-#include <wx/button.h>
 #include <wx/grid.h>
 #include <wx/timer.h>
 #include <wx/uiaction.h>
-#include <wx/weakref.h>
 
 #include <functional>
 
@@ -67,20 +65,8 @@ TEST_F(TableLifetimeTest, OtherModelClosesTheTable) {
 
 TEST_F(TableLifetimeTest, TableMayGoWhileAFolderIsChosen) {
     startWithTable();
-    wxTimer end;
-    withNextDialog([&end](wxDialog& dialog) {
-        frame()->measurementTable()->Destroy();
-        end.Bind(wxEVT_TIMER, [chooser = wxWeakRef<wxDialog>(&dialog)](wxTimerEvent&) {
-            if (chooser)
-                chooser->EndModal(wxID_CANCEL);
-        });
-        end.StartOnce(1000);
-    });
-    auto& button = dynamic_cast<wxButton&>(
-        *wxWindow::FindWindowByName("ID_BUTTON_LOAD", frame()->measurementTable()));
-    wxCommandEvent press(wxEVT_BUTTON, button.GetId());
-    press.SetEventObject(&button);
-    button.HandleWindowEvent(press);
+    withNextDialog([](wxDialog&) { frame()->measurementTable()->Destroy(); });
+    pressSave(*frame()->measurementTable());
     runFor(0.3);
     EXPECT_EQ(frame()->measurementTable(), nullptr);
 }

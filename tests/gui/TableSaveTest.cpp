@@ -21,13 +21,6 @@ protected:
 
     fs::path saveInto(const fs::path& folder) const { return saveTableInto(*m_dialog, folder); }
 
-    static std::set<std::string> entriesOf(const fs::path& folder) {
-        std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder))
-            names.insert(entry.path().filename().string());
-        return names;
-    }
-
     const TemporaryFolder m_parent;
 };
 

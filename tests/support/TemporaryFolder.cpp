@@ -38,6 +38,13 @@ std::string readFile(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
+std::set<std::string> entriesOf(const std::filesystem::path& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.insert(entry.path().filename().string());
+    return names;
+}
+
 void writeFile(const fs::path& path, const std::string& bytes) {
     std::ofstream file(path, std::ios::binary);
     file << bytes;

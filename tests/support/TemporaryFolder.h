@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 namespace orbisk::test {
@@ -38,6 +39,9 @@ private:
 
 /// The bytes of a file; empty when it cannot be read.
 std::string readFile(const std::filesystem::path& path);
+
+/// The names of what is in a folder.
+std::set<std::string> entriesOf(const std::filesystem::path& folder);
 
 void writeFile(const std::filesystem::path& path, const std::string& bytes);
 
