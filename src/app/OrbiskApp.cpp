@@ -4,9 +4,11 @@
 #include "app/OrbiskMain.h"
 #include "app/SettingsText.h"
 #include "online/TipsThread.h"
+#include "platform/Platform.h"
 #include "settings/AppSettings.h"
 #include "settings/SettingsFile.h"
 
+#include <wx/apptrait.h>
 #include <wx/filename.h>
 #include <wx/image.h>
 #include <wx/socket.h>
@@ -81,6 +83,10 @@ int OrbiskApp::OnExit() {
         std::_Exit(EXIT_SUCCESS);
     }
     return result;
+}
+
+wxAppTraits* OrbiskApp::CreateTraits() {
+    return platform::makeAppTraits();
 }
 
 void OrbiskApp::setUpLocale() {

@@ -20,6 +20,9 @@ public:
     /// A model to open once the frame is shown, as if chosen from the menu. Before `OnInit`.
     static void openAtStart(const wxString& path);
 
+protected:
+    wxAppTraits* CreateTraits() override;
+
 private:
     std::unique_ptr<wxLocale> m_locale;
 };

@@ -10,6 +10,7 @@
 
 #include <string>
 
+class wxAppTraits;
 class wxMenu;
 class wxNotebook;
 
@@ -19,6 +20,10 @@ namespace orbisk::platform {
 
 /// Prepares the process before the toolkit and any graphics library start.
 void prepareProcess();
+
+/// What the toolkit's application asks of the system; the caller's. Under it sockets are used by
+/// threads of their own only: no event loop watches them.
+wxAppTraits* makeAppTraits();
 
 /// Whether there is a display to draw with.
 bool hasDisplay();

@@ -103,7 +103,7 @@ TEST_F(WindowPlacementRunTest, PlaceDoesNotDriftOverRestarts) {
 
 TEST_F(WindowPlacementRunTest, MissingRectangleIsNoErrorAndModelsShowOnceThereIsRoom) {
     writeFile("datafile.json", R"({"project":{"data":{"language":1,"fovy":30.0}}})");
-    start();
+    startWithoutRoom();
     load(writeTestModel());
     frame()->SetSize(100, 100, 900, 700);
     runFor(0.5);

@@ -122,10 +122,15 @@ void GuiTest::writeSettings(const std::string& rect, int language, const std::st
 void GuiTest::start() {
     if (!fs::exists("datafile.json"))
         writeSettings(R"({"x":40,"y":40,"w":900,"h":700})", languageEnglish);
-    ASSERT_TRUE(wxTheApp->CallOnInit());
+    startWithoutRoom();
     // The canvas comes once the frame was painted: only then is it really on the screen.
     ASSERT_TRUE(runUntil([] { return frame() && frame()->canvas(); }));
     runFor(0.3);
+}
+
+void GuiTest::startWithoutRoom() {
+    ASSERT_TRUE(wxTheApp->CallOnInit());
+    ASSERT_TRUE(runUntil([] { return frame() && frame()->IsShownOnScreen(); }));
 }
 
 OrbiskFrame* GuiTest::frame() {

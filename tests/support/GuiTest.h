@@ -30,6 +30,9 @@ protected:
     /// be started again.
     void start();
 
+    /// The same where the frame has no room for anything to be painted in it.
+    void startWithoutRoom();
+
     /// Writes a settings file with this rectangle, language and recent paths.
     static void writeSettings(const std::string& rect, int language,
                               const std::string& recentJson = "[]", int sky = 1, int tool = 1);

@@ -7,8 +7,6 @@
 
 #include <wx/base64.h>
 
-#include <chrono>
-#include <thread>
 #include <utility>
 
 namespace orbisk::test {
@@ -19,15 +17,11 @@ TipsTest::TipsTest() {
 
 TipsTest::~TipsTest() {
     wxEvtHandler::RemoveFilter(this);
-    // The toolkit goes when the test ends, and the thread uses it. Not in the event loop: a
-    // connection that breaks off can reach it (docs/decisions/tips-page.md, "Known").
+    // The toolkit goes when the test ends, and the thread uses it.
     m_server.reset();
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (TipsThread::isUnderWay() && std::chrono::steady_clock::now() < limit)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_FALSE(TipsThread::isUnderWay());
+    EXPECT_TRUE(waitForFetch());
     // It still has to leave the toolkit's own lock behind.
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    runFor(0.1);
 }
 
 void TipsTest::serve(LoopbackServer::Answer answer) {

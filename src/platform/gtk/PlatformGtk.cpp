@@ -4,6 +4,7 @@
 #include "settings/AppSettings.h"
 
 #include <langinfo.h>
+#include <wx/apptrait.h>
 #include <wx/cmdline.h>
 #include <wx/filefn.h>
 #include <wx/filename.h>
@@ -51,6 +52,14 @@ public:
     }
 };
 
+/// The toolkit's HTTP client, on a thread, makes its socket non-blocking for moments, and such a
+/// socket is watched by the main thread's event loop, which may have its event in hand when the
+/// socket is deleted. The manager of programs without windows hands no event to that loop.
+class AppTraits : public wxGUIAppTraits {
+public:
+    wxFDIOManager* GetFDIOManager() override { return wxAppTraits::GetFDIOManager(); }
+};
+
 bool onlyAsciiFileNames() {
     return std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
 }
@@ -65,6 +74,10 @@ void prepareProcess() {
     XInitThreads();
     std::setlocale(LC_ALL, "");
     settleLocale();
+}
+
+wxAppTraits* makeAppTraits() {
+    return new AppTraits;
 }
 
 bool hasDisplay() {

@@ -3,6 +3,7 @@
 
 #include <direct.h>
 #include <io.h>
+#include <wx/apptrait.h>
 #include <wx/bitmap.h>
 #include <wx/cmdline.h>
 #include <wx/icon.h>
@@ -52,6 +53,14 @@ void prepareProcess() {
     answerInConsole();
     std::setlocale(LC_ALL, "");
     settleLocale();
+}
+
+wxAppTraits* makeAppTraits() {
+    return new wxGUIAppTraits;
+}
+
+bool hasDisplay() {
+    return true;
 }
 
 wxBitmapBundle iconResource(const std::string& name, int side) {
