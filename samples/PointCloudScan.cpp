@@ -1,7 +1,7 @@
 #include "PointCloudScan.h"
 
 #include "Noise.h"
-#include "TriangleTree.h"
+#include "SceneTriangles.h"
 
 #include <osg/Geode>
 #include <osg/Geometry>
@@ -66,7 +66,7 @@ public:
         : m_origin(origin), m_number(number),
           m_random(kScanSeed + static_cast<std::uint32_t>(number)) {}
 
-    void scan(const TriangleTree& tree, const ScannedScene& scene);
+    void scan(const SceneTriangles& tree, const ScannedScene& scene);
     osg::ref_ptr<osg::Node> node() const;
 
 private:
@@ -113,7 +113,7 @@ osg::ref_ptr<osg::Node> Station::node() const {
     return geode;
 }
 
-void Station::scan(const TriangleTree& tree, const ScannedScene& scene) {
+void Station::scan(const SceneTriangles& tree, const ScannedScene& scene) {
     const int columns = static_cast<int>(std::lround(360.0 * kDegree / kStep));
     const int rows = static_cast<int>(std::lround((kHighest - kLowest) / kStep));
     for (int column = 0; column < columns; ++column) {
@@ -143,7 +143,7 @@ void Station::scan(const TriangleTree& tree, const ScannedScene& scene) {
 
 osg::ref_ptr<osg::Node> scanSquare(const Terrain& terrain, const ScannedScene& scene) {
     const PlanBox& square = terrain.square();
-    const TriangleTree tree(trianglesNear(scene, square.center));
+    const SceneTriangles tree(trianglesNear(scene, square.center));
     const std::array<osg::Vec2d, 3> places = {osg::Vec2d(-19.0, -2.0), osg::Vec2d(20.0, -12.5),
                                               osg::Vec2d(9.0, 13.0)};
     osg::ref_ptr<osg::Group> scan = new osg::Group;

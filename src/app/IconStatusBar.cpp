@@ -2,6 +2,7 @@
 
 #include "app/WebAddress.h"
 #include "app/WebBrowser.h"
+#include "platform/Artwork.h"
 #include "platform/Platform.h"
 
 #include <wx/bmpbuttn.h>

@@ -2,6 +2,7 @@
 
 #include "app/RecentFiles.h"
 #include "app/SettingsText.h"
+#include "platform/Artwork.h"
 #include "platform/Platform.h"
 #include "settings/AppSettings.h"
 

@@ -32,9 +32,6 @@ bool hasDisplay();
 /// scale; an empty bundle when there is none.
 wxBitmapBundle iconResource(const std::string& name, int side);
 
-/// A built-in picture ("banner", "logo", "welcome") at this size.
-wxBitmapBundle artwork(const std::string& name, const wxSize& size);
-
 /// The program's own icon in the sizes that window managers ask for.
 wxIconBundle programIcon();
 

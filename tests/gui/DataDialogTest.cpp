@@ -2,6 +2,7 @@
 
 #include "settings/RoamParameters.h"
 #include "support/GuiTest.h"
+#include "support/NamedWindow.h"
 #include "support/TestModels.h"
 
 #include <wx/button.h>
@@ -16,7 +17,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
-#include <stdexcept>
 #include <string>
 
 namespace orbisk::test {
@@ -79,10 +79,7 @@ protected:
 
     template <class Window>
     Window& named(const char* name) const {
-        auto* window = dynamic_cast<Window*>(wxWindow::FindWindowByName(name, m_dialog));
-        if (!window)
-            throw std::runtime_error(std::string("no such window: ") + name);
-        return *window;
+        return namedWindow<Window>(m_dialog, name);
     }
 
     wxTextCtrl& text(const char* name) const { return named<wxTextCtrl>(name); }

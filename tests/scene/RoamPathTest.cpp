@@ -87,6 +87,15 @@ const osg::Vec3d a(100, 200, 30);
 const osg::Vec3d b(110, 200, 30);
 const osg::Vec3d c(120, 200, 30);
 
+/// Looks at where the camera of a roam to `b` stands, seen from `b`, and how it is turned.
+void expectOffset(const RoamParameters& parameters, const osg::Vec3d& offset,
+                  const Turn& rotation) {
+    const auto stations = build({a, b}, parameters);
+    ASSERT_EQ(stations.size(), 1u);
+    expectNear(stations[0].position, b + offset);
+    expectRotation(stations[0].rotation, rotation);
+}
+
 } // namespace
 
 TEST(RoamPathTest, LoopsEvenWhenEmpty) {
@@ -158,28 +167,19 @@ TEST(RoamPathTest, WithoutAnglesTheCameraIsUprightAboveThePoints) {
 TEST(RoamPathTest, QuarterRollOffsetsAlongX) {
     RoamParameters parameters = roam(5, 0.1);
     parameters.roll = 90;
-    const auto stations = build({a, b}, parameters);
-    ASSERT_EQ(stations.size(), 1u);
-    expectNear(stations[0].position, b + osg::Vec3d(5, 0, 0));
-    expectRotation(stations[0].rotation, {std::sqrt(0.5), 0, std::sqrt(0.5), 0});
+    expectOffset(parameters, {5, 0, 0}, {std::sqrt(0.5), 0, std::sqrt(0.5), 0});
 }
 
 TEST(RoamPathTest, QuarterPitchOffsetsAgainstY) {
     RoamParameters parameters = roam(5, 0.1);
     parameters.pitch = 90;
-    const auto stations = build({a, b}, parameters);
-    ASSERT_EQ(stations.size(), 1u);
-    expectNear(stations[0].position, b + osg::Vec3d(0, -5, 0));
-    expectRotation(stations[0].rotation, {std::sqrt(0.5), std::sqrt(0.5), 0, 0});
+    expectOffset(parameters, {0, -5, 0}, {std::sqrt(0.5), std::sqrt(0.5), 0, 0});
 }
 
 TEST(RoamPathTest, YawAloneKeepsTheOffsetUpright) {
     RoamParameters parameters = roam(5, 0.1);
     parameters.yaw = 90;
-    const auto stations = build({a, b}, parameters);
-    ASSERT_EQ(stations.size(), 1u);
-    expectNear(stations[0].position, b + osg::Vec3d(0, 0, 5));
-    expectRotation(stations[0].rotation, {std::sqrt(0.5), 0, 0, std::sqrt(0.5)});
+    expectOffset(parameters, {0, 0, 5}, {std::sqrt(0.5), 0, 0, std::sqrt(0.5)});
 }
 
 TEST(RoamPathTest, TurnsByPitchThenRollThenYaw) {
@@ -187,11 +187,8 @@ TEST(RoamPathTest, TurnsByPitchThenRollThenYaw) {
     parameters.pitch = 90;
     parameters.roll = 90;
     parameters.yaw = 90;
-    const auto stations = build({a, b}, parameters);
-    ASSERT_EQ(stations.size(), 1u);
     // Upright, tipped to -y by the pitch, left there by the roll, brought to +x by the yaw.
-    expectNear(stations[0].position, b + osg::Vec3d(7, 0, 0));
-    expectRotation(stations[0].rotation, orientation(90, 90, 90));
+    expectOffset(parameters, {7, 0, 0}, orientation(90, 90, 90));
 }
 
 TEST(RoamPathTest, NegativeHeightFliesBelow) {

@@ -2,10 +2,10 @@
 
 #include "measure/PickDialog.h"
 #include "support/GuiTest.h"
+#include "support/NamedWindow.h"
 
 #include <wx/grid.h>
 
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,10 +65,7 @@ protected:
     /// A window of the dialog by its name.
     template <class Window>
     Window& named(const char* name) const {
-        auto* window = dynamic_cast<Window*>(wxWindow::FindWindowByName(name, m_dialog));
-        if (!window)
-            throw std::runtime_error(std::string("no such window: ") + name);
-        return *window;
+        return namedWindow<Window>(m_dialog, name);
     }
 
     wxGrid& pointGrid() const { return named<wxGrid>("ID_GRID_POINT"); }

@@ -1,5 +1,6 @@
-#include "EmbeddedFiles.h"
 #include "platform/Platform.h"
+
+#include "platform/Artwork.h"
 #include "platform/RunTimePath.h"
 #include "settings/AppSettings.h"
 
@@ -89,13 +90,6 @@ bool hasDisplay() {
 
 wxBitmapBundle iconResource(const std::string& name, int side) {
     return artwork(name, wxSize(side, side));
-}
-
-wxBitmapBundle artwork(const std::string& name, const wxSize& size) {
-    const std::string_view svg = embeddedFile(name + ".svg");
-    if (svg.empty())
-        return {};
-    return wxBitmapBundle::FromSVG(svg.data(), size);
 }
 
 wxIconBundle programIcon() {

@@ -1,4 +1,3 @@
-#include "EmbeddedFiles.h"
 #include "platform/Platform.h"
 
 #include <direct.h>
@@ -71,13 +70,6 @@ wxBitmapBundle iconResource(const std::string& name, int side) {
             bitmaps.push_back(wxBitmap(icon));
     }
     return wxBitmapBundle::FromBitmaps(bitmaps);
-}
-
-wxBitmapBundle artwork(const std::string& name, const wxSize& size) {
-    const std::string_view svg = embeddedFile(name + ".svg");
-    if (svg.empty())
-        return {};
-    return wxBitmapBundle::FromSVG(svg.data(), size);
 }
 
 wxIconBundle programIcon() {

@@ -25,10 +25,10 @@ struct RayHit {
     Surface surface = Surface::Ground;
 };
 
-/// A binary tree of boxes around triangles.
-class TriangleTree {
+/// The triangles that a scanner stands among, in a binary tree of boxes.
+class SceneTriangles {
 public:
-    explicit TriangleTree(std::vector<SceneTriangle> triangles);
+    explicit SceneTriangles(std::vector<SceneTriangle> triangles);
     /// @param direction  of unit length
     RayHit firstHit(const osg::Vec3d& origin, const osg::Vec3d& direction, double maxRange) const;
 

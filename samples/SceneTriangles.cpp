@@ -1,4 +1,4 @@
-#include "TriangleTree.h"
+#include "SceneTriangles.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,13 +53,13 @@ double middle(const SceneTriangle& triangle, unsigned axis) {
 
 } // namespace
 
-TriangleTree::TriangleTree(std::vector<SceneTriangle> triangles)
+SceneTriangles::SceneTriangles(std::vector<SceneTriangle> triangles)
     : m_triangles(std::move(triangles)) {
     m_nodes.emplace_back();
     split(0, 0, m_triangles.size());
 }
 
-void TriangleTree::split(std::size_t nodeIndex, std::size_t first, std::size_t count) {
+void SceneTriangles::split(std::size_t nodeIndex, std::size_t first, std::size_t count) {
     osg::BoundingBoxd box;
     for (std::size_t i = first; i < first + count; ++i) {
         for (const osg::Vec3d& corner : m_triangles[i].corners) {
@@ -88,8 +88,8 @@ void TriangleTree::split(std::size_t nodeIndex, std::size_t first, std::size_t c
     split(left + 1, first + count / 2, count - count / 2);
 }
 
-RayHit TriangleTree::firstHit(const osg::Vec3d& origin, const osg::Vec3d& direction,
-                              double maxRange) const {
+RayHit SceneTriangles::firstHit(const osg::Vec3d& origin, const osg::Vec3d& direction,
+                                double maxRange) const {
     const auto inverted = [](double value) {
         return 1.0 / (std::fabs(value) < 1e-12 ? 1e-12 : value);
     };
