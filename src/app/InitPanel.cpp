@@ -1,5 +1,6 @@
 #include "app/InitPanel.h"
 
+#include "app/ModelDialogs.h"
 #include "app/RecentFiles.h"
 #include "app/SettingsText.h"
 #include "platform/Artwork.h"
@@ -7,7 +8,6 @@
 #include "settings/AppSettings.h"
 
 #include <wx/bmpbuttn.h>
-#include <wx/filedlg.h>
 #include <wx/intl.h>
 #include <wx/scrolwin.h>
 #include <wx/sizer.h>
@@ -59,13 +59,6 @@ wxStaticText* makeText(wxWindow* parent, const wxString& text, const wxFont& fon
 
 wxFont plainFont() {
     return wxFontInfo(textPoints).Family(wxFONTFAMILY_SWISS);
-}
-
-wxString openFilter() {
-    return _("all files(*.*) |*.*|osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|"
-             "obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|dxf file(*.dxf)|*.dxf|"
-             "wrl file(*.wrl)|*.wrl|max file(*.max)|*.max|fbx file(*.fbx)|*.fbx|"
-             "dae file(*.dae)|*.dae||");
 }
 
 } // namespace
@@ -179,9 +172,9 @@ wxSizer* InitPanel::buildRecentFiles() {
 }
 
 void InitPanel::onOpen(wxCommandEvent&) {
-    wxFileDialog dialog(this, _("Open file..."), wxEmptyString, wxEmptyString, openFilter());
-    if (dialog.ShowModal() == wxID_OK)
-        m_actions.openModel(dialog.GetPath());
+    const wxString path = askForModelOnWelcomePage(this);
+    if (!path.empty())
+        m_actions.openModel(path);
 }
 
 void InitPanel::onHelp(wxCommandEvent&) {

@@ -1,14 +1,15 @@
 #include "app/OrbiskMain.h"
 
 #include "app/About.h"
+#include "app/FramePlacement.h"
 #include "app/IconStatusBar.h"
 #include "app/InitPanel.h"
+#include "app/ModelDialogs.h"
 #include "app/NestedLoop.h"
 #include "app/OrbiskApp.h"
 #include "app/RecentFiles.h"
 #include "app/SettingsText.h"
 #include "app/WebAddress.h"
-#include "app/WindowPlacement.h"
 #include "measure/MeasurementSet.h"
 #include "measure/PickDialog.h"
 #include "online/OnlineAddresses.h"
@@ -23,7 +24,6 @@
 #include "view/OSGCanvas.h"
 #include "view/ThreadingPause.h"
 
-#include <wx/filedlg.h>
 #include <wx/filename.h>
 #include <wx/intl.h>
 #include <wx/log.h>
@@ -67,39 +67,6 @@ DisplayMode modeOf(Command command) {
     }
 }
 
-/// Moves the frame even where it believes to stand already: the window manager may know better.
-void moveTo(wxFrame& frame, const wxPoint& position) {
-    frame.Move(position + wxPoint(1, 0));
-    frame.Move(position);
-}
-
-/// Gives the frame the saved geometry. Window managers choose a place for a new window themselves,
-/// so the place is asked for again once the frame is shown.
-void placeAt(wxFrame& frame, const WindowRect& rect) {
-    const wxPoint position(rect.x, rect.y);
-    frame.SetSize(rect.x, rect.y, rect.w, rect.h, wxSIZE_USE_EXISTING);
-    const auto again = std::make_shared<bool>(true);
-    frame.Bind(wxEVT_SHOW, [&frame, position, again](wxShowEvent& event) {
-        event.Skip();
-        if (event.IsShown() && std::exchange(*again, false))
-            frame.CallAfter([&frame, position] { moveTo(frame, position); });
-    });
-}
-
-wxString openFilter() {
-    return _("all files(*)|*.*|osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|"
-             "osgt file(*.osgt)|*.osgb|obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|"
-             "dxf file(*.dxf)|*.dxf|wrl file(*.wrl)|*.wrl|max file(*.max)|*.max|"
-             "fbx file(*.fbx)|*.fbx|dae file(*.dae)|*.dae||");
-}
-
-wxString saveFilter() {
-    return _("osg file(*.osg)|*.osg|osgb file(*.osgb)|*.osgb|osgt file(*.osgt)|*.osgb|"
-             "obj file(*.obj)|*.obj|3ds file(*.3ds)|*.3ds|dxf file(*.dxf)|*.dxf|"
-             "wrl file(*.wrl)|*.wrl|max file(*.max)|*.max|fbx file(*.fbx)|*.fbx|"
-             "dae file(*.dae)|*.dae ");
-}
-
 } // namespace
 
 // clang-format off
@@ -117,7 +84,7 @@ OrbiskFrame::OrbiskFrame(wxWindow* parent, wxWindowID id)
     Create(parent, id, _("Kelvane"), wxDefaultPosition, wxDefaultSize, wxDEFAULT_FRAME_STYLE);
     SetIcons(platform::programIcon());
     m_docking.SetManagedWindow(this);
-    placeOnDisplay();
+    restorePlacement(*this, appSettings().rect);
     webAddress() = decodeHexText(makerWebAddressDigits());
     m_loader = std::make_unique<ModelLoader>(this);
     m_bars = std::make_unique<CommandBars>(
@@ -142,19 +109,8 @@ OrbiskFrame::~OrbiskFrame() {
 }
 
 void OrbiskFrame::saveSettingsWithPlace() {
-    const wxPoint position = platform::positionOnScreen(*this);
-    const wxSize size = GetSize();
-    appSettings().rect = {position.x, position.y, size.x, size.y};
+    appSettings().rect = placementOf(*this);
     saveSettings(appSettings(), settingsPathEncoding());
-}
-
-void OrbiskFrame::placeOnDisplay() {
-    const wxSize display = wxGetDisplaySize();
-    const WindowRect& saved = appSettings().rect;
-    if (opensMaximised(saved, {display.x, display.y}))
-        Maximize();
-    else
-        placeAt(*this, saved);
 }
 
 void OrbiskFrame::buildContents() {
@@ -414,21 +370,19 @@ void OrbiskFrame::runCommand(Command command, bool checked) {
 }
 
 void OrbiskFrame::openWithDialog() {
-    wxFileDialog dialog(this, _("Open file..."), wxEmptyString, wxEmptyString, openFilter(),
-                        wxFD_OPEN | wxFD_FILE_MUST_EXIST);
-    if (dialog.ShowModal() == wxID_OK)
-        openFile(dialog.GetPath());
+    const wxString path = askForModelToOpen(this);
+    if (!path.empty())
+        openFile(path);
 }
 
 void OrbiskFrame::saveWithDialog() {
-    wxFileDialog dialog(this, _("Save file..."), wxEmptyString, wxEmptyString, saveFilter(),
-                        wxFD_SAVE | wxFD_OVERWRITE_PROMPT);
-    if (dialog.ShowModal() != wxID_OK || !m_loader->modelNode())
+    const wxString path = askWhereToSaveModel(this);
+    if (path.empty() || !m_loader->modelNode())
         return;
     const ThreadingPause pause(m_viewer.osgViewer());
     const wxFileName source(platform::pathText(m_loader->modelPath()));
-    writeModel(*m_loader->modelNode(), m_loader->modelCallback(),
-               platform::localPath(dialog.GetPath()), platform::localPath(source.GetPath()));
+    writeModel(*m_loader->modelNode(), m_loader->modelCallback(), platform::localPath(path),
+               platform::localPath(source.GetPath()));
 }
 
 void OrbiskFrame::setDisplayMode(Command command, bool checked) {

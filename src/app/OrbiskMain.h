@@ -59,7 +59,6 @@ public:
     OSGCanvas* canvas() const { return m_canvas; }
 
 private:
-    void placeOnDisplay();
     void saveSettingsWithPlace();
     void buildContents();
     /// The canvas, built where there is none yet.
