@@ -1,5 +1,7 @@
 #include "readers/ModelReaders.h"
 
+#include "readers/ObjReader.h"
+
 #include <osg/ref_ptr>
 #include <osgDB/Registry>
 
@@ -12,7 +14,7 @@ namespace {
 using Readers = std::map<std::string, osg::ref_ptr<osgDB::ReaderWriter>>;
 
 const Readers& modelReaders() {
-    static const Readers readers;
+    static const Readers readers{{"obj", new ObjReader}};
     return readers;
 }
 
