@@ -200,10 +200,11 @@ osg::Vec3 ObjGeometry::windingNormal(const std::vector<Vertex>& face) const {
 
 /// Gives all corners the normal of the first three.
 void ObjGeometry::setFlatNormal(std::vector<Vertex>& face) {
-    const osg::Vec3 a = local(face[0].position);
-    osg::Vec3 normal = (local(face[1].position) - a) ^ (local(face[2].position) - a);
+    const osg::Vec3 a = inFile(local(face[0].position));
+    osg::Vec3 normal =
+        (inFile(local(face[1].position)) - a) ^ (inFile(local(face[2].position)) - a);
     normal.normalize();
-    const std::uint32_t number = m_normals.numberOf(normal);
+    const std::uint32_t number = m_normals.numberOf(osg::Vec3(inScene(osg::Vec3d(normal))));
     for (Vertex& vertex : face)
         vertex.normal = number;
 }
