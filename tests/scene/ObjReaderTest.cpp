@@ -128,7 +128,7 @@ TEST_F(ObjReaderTest, NormalsOfFacesWithoutAreSmooth) {
     ASSERT_NE(normals, nullptr);
     EXPECT_EQ(normals->size(), 4u);
     EXPECT_NEAR(
-        static_cast<double>((normals->at(0) - osg::Vec3(0, -1, 1) / std::sqrt(2.f)).length()), 0.0,
+        static_cast<double>((normals->at(0) - osg::Vec3(0, -1, -1) / std::sqrt(2.f)).length()), 0.0,
         1e-6);
 }
 

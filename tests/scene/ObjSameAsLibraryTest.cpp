@@ -105,14 +105,22 @@ private:
             m_text << "# a comment\n\n";
         const bool hasTextures = oneIn(2);
         const bool hasNormals = oneIn(3);
+        const bool isLarge = oneIn(4);
+        writeFace(isLarge ? 5 + below(6) : 3 + below(2), hasTextures, hasNormals);
+        // The library leaves vertices of geometries unshared, and their triangles in another order,
+        // where each face is a large one.
+        if (isLarge)
+            writeFace(3, hasTextures, hasNormals);
+    }
+
+    void writeFace(unsigned int count, bool hasTextures, bool hasNormals) {
         m_text << "f";
-        const unsigned int count = oneIn(4) ? 5 + below(6) : 3 + below(2);
         std::set<unsigned int> used;
         while (used.size() < count) {
             const unsigned int position = below(m_positions);
             if (used.insert(position).second)
                 writeCorner(position, hasTextures, hasNormals);
-            if (oneIn(40))
+            if (oneIn(40) && used.size() < count)
                 m_text << " \\\n";
         }
         m_text << "\n";
