@@ -1,0 +1,35 @@
+#include "readers/ModelReaders.h"
+
+#include <osg/ref_ptr>
+#include <osgDB/Registry>
+
+#include <map>
+
+namespace orbisk {
+
+namespace {
+
+using Readers = std::map<std::string, osg::ref_ptr<osgDB::ReaderWriter>>;
+
+const Readers& modelReaders() {
+    static const Readers readers;
+    return readers;
+}
+
+} // namespace
+
+osgDB::ReaderWriter* modelReaderFor(const std::string& extension) {
+    const auto found = modelReaders().find(extension);
+    return found != modelReaders().end() ? found->second.get() : nullptr;
+}
+
+void registerModelReaders() {
+    static const bool registered = [] {
+        for (const auto& [extension, reader] : modelReaders())
+            osgDB::Registry::instance()->addReaderWriter(reader.get());
+        return true;
+    }();
+    static_cast<void>(registered);
+}
+
+} // namespace orbisk
