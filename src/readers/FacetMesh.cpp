@@ -17,8 +17,8 @@ constexpr unsigned int freeSlot = std::numeric_limits<unsigned int>::max();
 constexpr double mostFilled = 0.75;
 constexpr std::size_t leastSlots = 64;
 
-/// With no more indices than this, the library names vertices in two bytes.
-constexpr std::size_t mostNarrowIndices = 65535;
+/// With fewer vertices than this, two bytes are enough for an index.
+constexpr std::size_t leastForWideIndices = 65536;
 
 bool isFinite(const osg::Vec3& vector) {
     return std::isfinite(vector.x()) && std::isfinite(vector.y()) && std::isfinite(vector.z());
@@ -113,7 +113,7 @@ osg::ref_ptr<osg::Geometry> FacetMesh::takeGeometry() {
     if (m_coloured)
         geometry->setColorArray(m_colours, osg::Array::BIND_PER_VERTEX);
     constexpr GLenum mode = osg::PrimitiveSet::TRIANGLES;
-    if (m_indices.size() <= mostNarrowIndices)
+    if (m_places->size() < leastForWideIndices)
         geometry->addPrimitiveSet(
             new osg::DrawElementsUShort(mode, m_indices.begin(), m_indices.end()));
     else

@@ -151,9 +151,12 @@ std::size_t PlyElement::leastRowSize(PlyFormat format) const {
     // A digit and what parts it from the next.
     constexpr std::size_t leastText = 2;
     std::size_t size = 0;
-    for (const PlyProperty& property : properties)
-        size += format == PlyFormat::Ascii ? leastText
-                                           : sizeOf(property.countType.value_or(property.type));
+    for (const PlyProperty& property : properties) {
+        if (format != PlyFormat::Ascii)
+            size += sizeOf(property.countType.value_or(property.type));
+        else if (!property.countType)
+            size += leastText;
+    }
     return size;
 }
 

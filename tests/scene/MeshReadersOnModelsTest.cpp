@@ -8,9 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <set>
+#include <iostream>
 #include <vector>
 
 namespace orbisk::test {
@@ -56,6 +57,34 @@ protected:
     fs::path m_folder;
 };
 
+template <class Change>
+void changeVertices(DrawnModel& model, const Change& change) {
+    for (DrawnTriangle& triangle : model.triangles)
+        for (DrawnVertex& vertex : triangle)
+            change(vertex);
+}
+
+void dropColours(DrawnModel& model) {
+    changeVertices(model, [](DrawnVertex& vertex) { vertex.colour = osg::Vec4(); });
+}
+
+/// Normals go: the library made them of what was rounded before.
+void roundToSinglePrecision(DrawnModel& model) {
+    changeVertices(model, [](DrawnVertex& vertex) {
+        vertex.place = osg::Vec3(vertex.place);
+        vertex.normal = osg::Vec3d();
+    });
+    model.nodes.clear();
+}
+
+osg::Vec3d leastCorner(const DrawnModel& model) {
+    osg::Vec3d least = model.triangles.at(0)[0].place;
+    for (const DrawnTriangle& triangle : model.triangles)
+        for (const DrawnVertex& vertex : triangle)
+            least = std::min(least, vertex.place);
+    return least;
+}
+
 } // namespace
 
 TEST_F(MeshReadersOnModelsTest, PlyIsReadAsTheLibraryReadsIt) {
@@ -65,11 +94,21 @@ TEST_F(MeshReadersOnModelsTest, PlyIsReadAsTheLibraryReadsIt) {
         SCOPED_TRACE(path);
         const Pair models = read(path, packaged);
         ASSERT_TRUE(models.ours && models.theirs);
-        const DrawnModel ours = drawnModel(*models.ours);
-        const DrawnModel theirs = drawnModel(*models.theirs);
-        EXPECT_EQ(ours.triangles, theirs.triangles);
-        EXPECT_EQ(ours.points, theirs.points);
-        EXPECT_EQ(ours.nodes, theirs.nodes);
+        DrawnModel ours = drawnModel(*models.ours);
+        DrawnModel theirs = drawnModel(*models.theirs);
+        const std::string name = fs::path(path).filename();
+        if (name == "float-color.ply") {
+            // The library takes shares of a colour for bytes of it.
+            EXPECT_EQ(ours.triangles[0][0].colour, osg::Vec4(0, 0, 1, 1));
+            dropColours(ours);
+            dropColours(theirs);
+        }
+        if (name == "utm_box_double_a.ply") {
+            EXPECT_EQ(leastCorner(ours), osg::Vec3d(494000.130, 4877000.570, 100.2));
+            roundToSinglePrecision(ours);
+            roundToSinglePrecision(theirs);
+        }
+        EXPECT_EQ(difference(ours, theirs), "");
     }
 }
 
@@ -80,10 +119,9 @@ TEST_F(MeshReadersOnModelsTest, StlHasTheSameTriangles) {
         SCOPED_TRACE(path);
         const Pair models = read(path, packaged);
         ASSERT_TRUE(models.ours && models.theirs);
-        const DrawnModel ours = drawnModel(*models.ours);
-        const DrawnModel theirs = drawnModel(*models.theirs);
-        EXPECT_EQ(inAnyOrder(ours.triangles), inAnyOrder(theirs.triangles));
-        EXPECT_EQ(ours.nodes, theirs.nodes);
+        EXPECT_EQ(difference(inAnyOrder(drawnModel(*models.ours)),
+                             inAnyOrder(drawnModel(*models.theirs))),
+                  "");
     }
 }
 
@@ -94,11 +132,29 @@ TEST_F(MeshReadersOnModelsTest, ThreeDsIsReadAsTheLibraryReadsIt) {
         SCOPED_TRACE(path);
         const Pair models = read(path, packaged);
         ASSERT_TRUE(models.ours && models.theirs);
-        const DrawnModel ours = drawnModel(*models.ours);
-        const DrawnModel theirs = drawnModel(*models.theirs);
-        EXPECT_EQ(ours.triangles, theirs.triangles);
-        EXPECT_EQ(ours.nodes, theirs.nodes);
+        EXPECT_EQ(difference(drawnModel(*models.ours), drawnModel(*models.theirs)), "");
     }
+}
+
+TEST_F(MeshReadersOnModelsTest, HostileFilesAreRefusedOrSafe) {
+    int files = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(m_folder / "hostile")) {
+        const std::string path = entry.path().string();
+        osgDB::ReaderWriter* own = modelReaderFor(osgDB::getLowerCaseFileExtension(path));
+        if (!own || !entry.is_regular_file())
+            continue;
+        SCOPED_TRACE(path);
+        ++files;
+        const osg::ref_ptr<osg::Node> model = own->readNode(path, nullptr).getNode();
+        EXPECT_TRUE(!model || isSafe(*model));
+        if (model)
+            model->getBound();
+        std::cout << entry.path().filename().string() << ": "
+                  << (model ? std::to_string(drawnModel(*model).triangles.size()) + " triangles"
+                            : "refused")
+                  << std::endl;
+    }
+    EXPECT_GT(files, 15);
 }
 
 } // namespace orbisk::test

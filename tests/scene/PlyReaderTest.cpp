@@ -188,11 +188,7 @@ TEST_F(PlyReaderTest, RandomFilesAreReadAsByTheLibrary) {
         const osg::ref_ptr<osg::Node> theirs = packaged->readNode("model.ply", nullptr).getNode();
         const osg::ref_ptr<osg::Node> ours = read(readFile("model.ply"));
         ASSERT_TRUE(ours && theirs);
-        const DrawnModel own = drawnModel(*ours);
-        const DrawnModel expected = drawnModel(*theirs);
-        ASSERT_EQ(own.triangles, expected.triangles);
-        ASSERT_EQ(own.points, expected.points);
-        ASSERT_EQ(own.nodes, expected.nodes);
+        ASSERT_EQ(difference(drawnModel(*ours), drawnModel(*theirs)), "");
     }
 }
 
@@ -216,9 +212,7 @@ TEST_F(PlyReaderTest, LargeMeshIsReadAsByTheLibrary) {
     const osg::ref_ptr<osg::Node> theirs = packaged->readNode("model.ply", nullptr).getNode();
     const osg::ref_ptr<osg::Node> ours = read(readFile("model.ply"));
     ASSERT_TRUE(ours && theirs);
-    const DrawnModel own = drawnModel(*ours);
-    EXPECT_EQ(own.nodes, drawnModel(*theirs).nodes);
-    EXPECT_TRUE(own.triangles == drawnModel(*theirs).triangles);
+    EXPECT_EQ(difference(drawnModel(*ours), drawnModel(*theirs)), "");
 }
 
 TEST_F(PlyReaderTest, DoublesThatSinglePrecisionWouldMoveAreKept) {
@@ -289,8 +283,7 @@ TEST_F(PlyReaderTest, TriangleStripsTurnTheSameWayAllAlong) {
                    "0 0 0\n1 0 0\n0 1 0\n1 1 0\n8 0 1 2 3 -1 2 1 3\n"));
     ASSERT_EQ(trianglesOf(model), 3u);
     for (const DrawnTriangle& t : model.triangles)
-        EXPECT_EQ(((t[1].place - t[0].place) ^ (t[2].place - t[0].place)).z(),
-                  &t == &model.triangles[2] ? -1.0 : 1.0);
+        EXPECT_EQ(((t[1].place - t[0].place) ^ (t[2].place - t[0].place)).z(), 1.0);
 }
 
 TEST_F(PlyReaderTest, FlippedFacesAreTurnedBack) {

@@ -48,10 +48,7 @@ protected:
                 .getNode();
         const osg::ref_ptr<osg::Node> ours = readBytes<Reader3ds>(bytes, "model.3ds");
         ASSERT_TRUE(ours && theirs);
-        const DrawnModel expected = drawnModel(*theirs);
-        const DrawnModel own = drawnModel(*ours);
-        EXPECT_EQ(own.triangles, expected.triangles);
-        EXPECT_EQ(own.nodes, expected.nodes);
+        EXPECT_EQ(difference(drawnModel(*ours), drawnModel(*theirs)), "");
     }
 
     WorkingFolder m_folder;

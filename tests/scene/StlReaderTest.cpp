@@ -36,10 +36,7 @@ protected:
         const osg::ref_ptr<osg::Node> theirs =
             packagedReader("stl", "STL Reader")->readNode("model.stl", nullptr).getNode();
         ASSERT_NE(theirs, nullptr);
-        const DrawnModel expected = drawnModel(*theirs);
-        const DrawnModel own = drawn(bytes);
-        EXPECT_EQ(inAnyOrder(own.triangles), inAnyOrder(expected.triangles));
-        EXPECT_EQ(own.nodes, expected.nodes);
+        EXPECT_EQ(difference(inAnyOrder(drawn(bytes)), inAnyOrder(drawnModel(*theirs))), "");
     }
 
     WorkingFolder m_folder;
@@ -104,12 +101,12 @@ TEST_F(StlReaderTest, BothZerosAreOnePlace) {
     EXPECT_EQ(geometryOf(model)->getVertexArray()->getNumElements(), 3u);
 }
 
-TEST_F(StlReaderTest, ManyFacetsAreNamedInFourBytes) {
+TEST_F(StlReaderTest, ManyVerticesAreNamedInFourBytes) {
     std::vector<StlFacet> facets;
-    for (int i = 0; i < 30'000; ++i) {
+    for (int i = 0; i < 70'000; ++i) {
         StlFacet facet = lower;
         for (osg::Vec3& corner : facet.corners)
-            corner += osg::Vec3(static_cast<float>(i % 173), static_cast<float>(i / 173), 0.0f);
+            corner += osg::Vec3(static_cast<float>(2 * i), 0.0f, 0.0f);
         facets.push_back(facet);
     }
     expectAsTheLibrary(binaryStl(facets));

@@ -79,7 +79,9 @@ public:
         std::ostringstream text;
         text.precision(17);
         if (const auto* transform = node.asMatrixTransform())
-            text << "matrix " << transform->getMatrix();
+            for (int i = 0; i < 16; ++i)
+                // Both zeros are written alike.
+                text << transform->getMatrix().ptr()[i] + 0.0 << " ";
         m_model.nodes.push_back(text.str());
         const osg::Matrixd before = m_toWorld;
         osg::Matrixd matrix;
@@ -165,6 +167,17 @@ auto tied(const DrawnVertex& vertex) {
     return std::tie(vertex.place, vertex.normal, vertex.colour, vertex.textureCoordinates);
 }
 
+template <class Things>
+std::string differenceOf(const std::string& what, const Things& a, const Things& b) {
+    if (a.size() != b.size())
+        return std::to_string(a.size()) + " and " + std::to_string(b.size()) + " " + what + "s";
+    const auto [first, second] = std::mismatch(a.begin(), a.end(), b.begin());
+    if (first == a.end())
+        return {};
+    return what + " " + std::to_string(first - a.begin()) + ": " + testing::PrintToString(*first) +
+           "\nand: " + testing::PrintToString(*second);
+}
+
 } // namespace
 
 bool operator==(const DrawnVertex& a, const DrawnVertex& b) {
@@ -188,12 +201,21 @@ DrawnModel drawnModel(osg::Node& model) {
     return drawn;
 }
 
-std::vector<DrawnTriangle> inAnyOrder(std::vector<DrawnTriangle> triangles) {
-    for (DrawnTriangle& triangle : triangles)
+DrawnModel inAnyOrder(DrawnModel model) {
+    for (DrawnTriangle& triangle : model.triangles)
         std::rotate(triangle.begin(), std::min_element(triangle.begin(), triangle.end()),
                     triangle.end());
-    std::sort(triangles.begin(), triangles.end());
-    return triangles;
+    std::sort(model.triangles.begin(), model.triangles.end());
+    return model;
+}
+
+std::string difference(const DrawnModel& a, const DrawnModel& b) {
+    std::string text = differenceOf("node", a.nodes, b.nodes);
+    if (text.empty())
+        text = differenceOf("point", a.points, b.points);
+    if (text.empty())
+        text = differenceOf("triangle", a.triangles, b.triangles);
+    return text;
 }
 
 bool isSafe(osg::Node& model) {

@@ -36,8 +36,12 @@ struct DrawnModel {
 /// has another length.
 DrawnModel drawnModel(osg::Node& model);
 
-/// The same triangles, each begun with its least corner, in an order that depends on nothing else.
-std::vector<DrawnTriangle> inAnyOrder(std::vector<DrawnTriangle> triangles);
+/// The first thing in which two models differ, in words; empty where they don't.
+std::string difference(const DrawnModel& a, const DrawnModel& b);
+
+/// The model with its triangles in an order that depends on nothing else, each begun with its least
+/// corner.
+DrawnModel inAnyOrder(DrawnModel model);
 
 /// Whether every vertex of a model is finite and every index within them: it can be drawn and
 /// picked.
