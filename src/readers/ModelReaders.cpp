@@ -1,6 +1,9 @@
 #include "readers/ModelReaders.h"
 
 #include "readers/ObjReader.h"
+#include "readers/PlyReader.h"
+#include "readers/Reader3ds.h"
+#include "readers/StlReader.h"
 
 #include <osg/ref_ptr>
 #include <osgDB/Registry>
@@ -14,7 +17,14 @@ namespace {
 using Readers = std::map<std::string, osg::ref_ptr<osgDB::ReaderWriter>>;
 
 const Readers& modelReaders() {
-    static const Readers readers{{"obj", new ObjReader}};
+    static const Readers readers = [] {
+        const osg::ref_ptr<osgDB::ReaderWriter> stl = new StlReader;
+        return Readers{{"3ds", new Reader3ds},
+                       {"obj", new ObjReader},
+                       {"ply", new PlyReader},
+                       {"sta", stl},
+                       {"stl", stl}};
+    }();
     return readers;
 }
 

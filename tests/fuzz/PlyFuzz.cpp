@@ -1,0 +1,8 @@
+// Any bytes, as a PLY file: there is no model, or one that can be drawn and picked.
+
+#include "readers/PlyReader.h"
+#include "support/MeshFuzzing.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return orbisk::fuzz::readAnyBytes<orbisk::PlyReader>(data, size);
+}
