@@ -1,0 +1,197 @@
+#include "readers/NativeInput.h"
+
+#include <osg/Image>
+#include <osgDB/DataTypes>
+#include <osgDB/ObjectWrapper>
+#include <osgDB/Registry>
+
+#include <algorithm>
+#include <istream>
+
+namespace orbisk {
+
+namespace {
+
+/// Below this a wrong count does no harm, and asking how much is left would only take time.
+constexpr std::int64_t countsWorthChecking = 4096;
+
+/// Where the numbers of an image stand in their order.
+enum ImageNumber : std::size_t {
+    Decision = 1,
+    Width = 3,
+    Height = 4,
+    Depth = 5,
+    PixelFormat = 7,
+    DataType = 8,
+    Packing = 9,
+    DataSize = 11, ///< in text the number of levels
+    LevelCount = 12,
+    FirstLevel = 13
+};
+
+constexpr std::int64_t longestSide = 1 << 16;
+constexpr std::uint64_t bitsPerByte = 8;
+
+bool isPacking(std::int64_t packing) {
+    return packing == 1 || packing == 2 || packing == 4 || packing == 8;
+}
+
+bool isNodeClass(const std::string& name) {
+    osgDB::ObjectWrapper* wrapper =
+        osgDB::Registry::instance()->getObjectWrapperManager()->findWrapper(name);
+    if (!wrapper)
+        return false;
+    const auto& bases = wrapper->getAssociates();
+    return std::any_of(bases.begin(), bases.end(),
+                       [](const auto& base) { return base._name == "osg::Node"; });
+}
+
+} // namespace
+
+NativeInput::NativeInput(std::istream& stream) {
+    setStream(&stream);
+}
+
+NativeInput::~NativeInput() = default;
+
+void NativeInput::fail(const char* what) {
+    throw DamagedFile(what);
+}
+
+std::uint64_t NativeInput::remainingBytes() const {
+    const std::streampos here = _in->tellg();
+    _in->seekg(0, std::ios::end);
+    const std::streampos end = _in->tellg();
+    _in->seekg(here);
+    return here < 0 || end < here ? 0 : static_cast<std::uint64_t>(end - here);
+}
+
+void NativeInput::expectElements(std::uint64_t count) const {
+    if (count > static_cast<std::uint64_t>(countsWorthChecking) && count > remainingBytes())
+        fail("more elements are announced than the file has bytes");
+}
+
+void NativeInput::sawNumber(std::int64_t number) {
+    m_last = Word::Number;
+    m_number = number;
+    if (m_isIdentityNext)
+        sawIdentity(number);
+    else if (m_image.isOpen)
+        takeImageNumber(number);
+}
+
+void NativeInput::sawText(const std::string& text) {
+    m_last = Word::Text;
+    m_text = text;
+    constexpr std::uint64_t encodedLetters = 4;
+    constexpr std::uint64_t decodedBytes = 3;
+    if (m_image.isOpen && m_image.numbers.size() > DataSize)
+        m_image.dataBytes += text.size() / encodedLetters * decodedBytes;
+}
+
+void NativeInput::sawProperty(const std::string& name) {
+    if (name == "UniqueID") {
+        m_isIdentityNext = true;
+        m_isObject = m_last == Word::Begin;
+    } else if (name == "WriteHint") {
+        m_image = {};
+        m_image.isOpen = true;
+    }
+    m_last = Word::Other;
+}
+
+void NativeInput::sawBegin() {
+    if (m_last == Word::Number)
+        expectElements(m_number < 0 ? UINT64_MAX : static_cast<std::uint64_t>(m_number));
+    // An object and the list it stands in are a level each.
+    if (++m_depth > 2 * deepestObject)
+        fail("objects are nested too deeply");
+    m_last = Word::Begin;
+}
+
+void NativeInput::sawEnd() {
+    m_last = Word::Other;
+    if (m_depth > 0)
+        --m_depth;
+    while (!m_open.empty() && m_open.back().depth > m_depth)
+        m_open.pop_back();
+    // Only in text the data of an image have an end of their own.
+    if (m_image.isOpen && m_image.numbers.size() > DataSize)
+        checkImageText();
+    m_image.isOpen = false;
+}
+
+void NativeInput::sawIdentity(std::int64_t id) {
+    m_isIdentityNext = false;
+    if (!m_isObject) {
+        // The library takes whatever has this identity for an image, without a look at it.
+        if (m_objects.count(id) != 0)
+            fail("an image refers to another kind of object");
+        return;
+    }
+    const bool isNode = isNodeClass(m_text);
+    for (const OpenObject& object : m_open)
+        if (isNode && object.isNode && object.id == id)
+            fail("a node is inside itself");
+    m_objects.insert(id);
+    m_open.push_back({m_depth, id, isNode});
+}
+
+void NativeInput::takeImageNumber(std::int64_t number) {
+    std::vector<std::int64_t>& numbers = m_image.numbers;
+    numbers.push_back(number);
+    const std::size_t place = numbers.size() - 1;
+    if (place == Decision && number != osgDB::IMAGE_INLINE_DATA)
+        m_image.isOpen = false;
+    if (place == DataSize) {
+        if (number < 0 || !isPacking(numbers[Packing]))
+            fail("an image of no sensible size");
+        if (isBinary() && number != 0 && levelBytes(0) > static_cast<std::uint64_t>(number))
+            fail("an image is larger than its data");
+        expectElements(static_cast<std::uint64_t>(number));
+    }
+    if (!isBinary())
+        return;
+    if (place >= FirstLevel) {
+        const std::uint64_t end = static_cast<std::uint64_t>(number) + levelBytes(place - LevelCount);
+        if (number < 0 || end > static_cast<std::uint64_t>(numbers[DataSize]))
+            fail("an image is larger than its data");
+    }
+    if (place == LevelCount)
+        expectElements(static_cast<std::uint64_t>(number));
+    if (place >= LevelCount && place - LevelCount == static_cast<std::size_t>(numbers[LevelCount]))
+        m_image.isOpen = false;
+}
+
+void NativeInput::checkImageText() const {
+    std::uint64_t wanted = 0;
+    for (std::int64_t level = 0; level < m_image.numbers[DataSize]; ++level) {
+        wanted += levelBytes(static_cast<std::size_t>(level));
+        if (wanted > m_image.dataBytes)
+            fail("an image is larger than its data");
+    }
+}
+
+std::uint64_t NativeInput::levelBytes(std::size_t level) const {
+    const std::vector<std::int64_t>& numbers = m_image.numbers;
+    std::int64_t sides[] = {numbers[Width], numbers[Height], numbers[Depth]};
+    for (std::int64_t& side : sides) {
+        if (side <= 0)
+            return 0;
+        if (side > longestSide || level >= static_cast<std::size_t>(longestSide))
+            return UINT64_MAX / 2;
+        const std::int64_t divided = level < 32 ? side >> level : 0;
+        side = std::max<std::int64_t>(divided, 1);
+    }
+    const auto format = static_cast<GLenum>(numbers[PixelFormat]);
+    const auto type = static_cast<GLenum>(numbers[DataType]);
+    const std::uint64_t pixels = static_cast<std::uint64_t>(sides[0] * sides[1] * sides[2]);
+    // The library computes in 32 bits; what does not fit there is too large in any case.
+    if (pixels * osg::Image::computePixelSizeInBits(format, type) / bitsPerByte > UINT32_MAX / 2)
+        return UINT64_MAX / 2;
+    return osg::Image::computeImageSizeInBytes(
+        static_cast<int>(sides[0]), static_cast<int>(sides[1]), static_cast<int>(sides[2]), format,
+        type, static_cast<int>(numbers[Packing]));
+}
+
+} // namespace orbisk
