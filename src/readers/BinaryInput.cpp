@@ -134,12 +134,12 @@ void BinaryInput::readMark(osgDB::ObjectMark& mark) {
 
 void BinaryInput::beginBlock() {
     const std::streamoff begin = _in->tellg();
-    const bool isLong = getInputStream() && getInputStream()->getFileVersion() >=
-                                                firstVersionOfLongBlocks;
+    const bool isLong =
+        getInputStream() && getInputStream()->getFileVersion() >= firstVersionOfLongBlocks;
     const std::int64_t size = isLong ? take<std::int64_t>() : take<std::int32_t>();
     // The size counts from where it stands itself.
-    const std::uint64_t most = remainingBytes() + (isLong ? sizeof(std::int64_t)
-                                                          : sizeof(std::int32_t));
+    const std::uint64_t most =
+        remainingBytes() + (isLong ? sizeof(std::int64_t) : sizeof(std::int32_t));
     if (size < 0 || static_cast<std::uint64_t>(size) > most)
         fail("a block is larger than its file");
     m_blockEnds.push_back(begin + size);

@@ -153,7 +153,8 @@ void NativeInput::takeImageNumber(std::int64_t number) {
     if (!isBinary())
         return;
     if (place >= FirstLevel) {
-        const std::uint64_t end = static_cast<std::uint64_t>(number) + levelBytes(place - LevelCount);
+        const std::uint64_t end =
+            static_cast<std::uint64_t>(number) + levelBytes(place - LevelCount);
         if (number < 0 || end > static_cast<std::uint64_t>(numbers[DataSize]))
             fail("an image is larger than its data");
     }

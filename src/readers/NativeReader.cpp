@@ -61,8 +61,8 @@ Result failure(const osgDB::InputStream& stream) {
     return exception.getError() + " At " + exception.getField();
 }
 
-using Content = std::function<osg::ref_ptr<osg::Object>(osgDB::InputStream&,
-                                                        osgDB::InputStream::ReadType)>;
+using Content =
+    std::function<osg::ref_ptr<osg::Object>(osgDB::InputStream&, osgDB::InputStream::ReadType)>;
 
 /// Reads a file; `content` reads what comes after its head.
 Result read(const osgDB::ReaderWriter& reader, const std::string& name,

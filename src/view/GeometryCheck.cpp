@@ -80,8 +80,7 @@ std::uint64_t checkPrimitives(osg::Geometry& geometry, std::uint64_t vertexCount
     std::uint64_t used = 0;
     osg::Geometry::PrimitiveSetList kept;
     for (const auto& set : geometry.getPrimitiveSetList()) {
-        const VertexCount vertices =
-            set && isDrawable(*set) ? verticesUsed(*set) : VertexCount();
+        const VertexCount vertices = set && isDrawable(*set) ? verticesUsed(*set) : VertexCount();
         if (!vertices || *vertices > vertexCount)
             continue;
         used = std::max(used, *vertices);

@@ -11,19 +11,17 @@ namespace {
 using Names = std::set<std::string>;
 
 /// What holds a model, and the companions of such files.
-const Names modelExtensions = {"3dc",  "3ds",  "ac",   "asc",  "attr", "bsp", "bvh", "dae",
-                               "dxf",  "fbx",  "flt",  "geo",  "iv",   "ive", "las", "laz",
-                               "lw",   "lwo",  "lws",  "max",  "md2",  "mdl", "obj", "osg",
-                               "osg2", "osgb", "osgt", "osgx", "ply",  "shp", "sta", "stl",
-                               "txp",  "vtf",  "wrl",  "x"};
+const Names modelExtensions = {"3dc",  "3ds", "ac",  "asc", "attr", "bsp", "bvh",  "dae",  "dxf",
+                               "fbx",  "flt", "geo", "iv",  "ive",  "las", "laz",  "lw",   "lwo",
+                               "lws",  "max", "md2", "mdl", "obj",  "osg", "osg2", "osgb", "osgt",
+                               "osgx", "ply", "shp", "sta", "stl",  "txp", "vtf",  "wrl",  "x"};
 
-const Names imageExtensions = {"bmp", "bw",  "dds", "gif", "hdr", "int", "inta", "jp2",
-                               "jpe", "jpeg", "jpg", "ktx", "pbm", "pgm", "pic",  "png",
-                               "pnm", "ppm", "pvr", "rgb", "rgba", "sgi", "tga",  "tif",
-                               "tiff"};
+const Names imageExtensions = {"bmp",  "bw",  "dds",  "gif", "hdr", "int", "inta", "jp2", "jpe",
+                               "jpeg", "jpg", "ktx",  "pbm", "pgm", "pic", "png",  "pnm", "ppm",
+                               "pvr",  "rgb", "rgba", "sgi", "tga", "tif", "tiff"};
 
-const Names shaderExtensions = {"compute", "cs",   "frag",  "fs",    "geom", "gl",
-                                "glsl",    "gs",   "tctrl", "teval", "vert", "vs"};
+const Names shaderExtensions = {"compute", "cs", "frag",  "fs",    "geom", "gl",
+                                "glsl",    "gs", "tctrl", "teval", "vert", "vs"};
 
 const Names fontExtensions = {"cff", "cid", "fon", "otf", "pfa", "pfb", "ttc", "ttf", "woff"};
 

@@ -31,8 +31,8 @@ private:
 
 constexpr std::size_t mostChanges = 20;
 constexpr std::size_t longestRun = 400;
-constexpr const char* absurdTexts[] = {"-1",   "0",          "4294967295", "2147483647", "65536",
-                                       "1e39", "-2000000000", "nan",       "99999999999", ""};
+constexpr const char* absurdTexts[] = {"-1",   "0",           "4294967295", "2147483647",  "65536",
+                                       "1e39", "-2000000000", "nan",        "99999999999", ""};
 constexpr std::uint32_t absurdNumbers[] = {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x0000ffffu,
                                            0x00ffffffu, 0u,          0x7fc00000u, 0x10000000u};
 

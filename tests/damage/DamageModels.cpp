@@ -73,10 +73,9 @@ int run(const Arguments& arguments, const std::string& looker) {
         std::printf("%s, try %llu: %s\n", source.filename().c_str(),
                     static_cast<unsigned long long>(number), outcome.text().c_str());
         if (arguments.keep)
-            fs::copy_file(file,
-                          *arguments.keep / (std::to_string(number) + "_" + outcome.text() +
-                                             extension),
-                          fs::copy_options::overwrite_existing);
+            fs::copy_file(
+                file, *arguments.keep / (std::to_string(number) + "_" + outcome.text() + extension),
+                fs::copy_options::overwrite_existing);
     }
     for (const auto& [extension, outcomes] : counts) {
         std::printf("%s:", extension.c_str());
@@ -96,8 +95,8 @@ int run(const Arguments& arguments, const std::string& looker) {
 int main(int argc, char** argv) {
     const orbisk::test::Arguments arguments = orbisk::test::parse(argc, argv);
     if (arguments.files.empty()) {
-        std::fprintf(stderr,
-                     "usage: orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] FILE...\n");
+        std::fprintf(
+            stderr, "usage: orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] FILE...\n");
         return EXIT_FAILURE;
     }
     const std::filesystem::path self = std::filesystem::canonical("/proc/self/exe");

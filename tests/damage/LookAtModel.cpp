@@ -1,6 +1,6 @@
 // Does with one model what the program does with it until a user has looked at it and picked on it:
-// reads it, puts it into the scene, shows it in each mode, walks its triangles, picks. Limits of its
-// own for time, memory and output make sure that it ends.
+// reads it, puts it into the scene, shows it in each mode, walks its triangles, picks. Limits of
+// its own for time, memory and output make sure that it ends.
 //
 //     orbisk_look_at_model FILE
 //
@@ -25,7 +25,6 @@
 #include <osgUtil/CullVisitor>
 #include <osgUtil/RenderStage>
 #include <osgUtil/StateGraph>
-
 #include <sys/resource.h>
 #include <unistd.h>
 

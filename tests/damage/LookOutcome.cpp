@@ -54,8 +54,7 @@ LookOutcome lookAt(const std::string& program, const std::string& file,
     std::string fileText = file;
     char* arguments[] = {programText.data(), fileText.data(), nullptr};
     pid_t child = -1;
-    const int error =
-        posix_spawn(&child, program.c_str(), &actions, nullptr, arguments, environ);
+    const int error = posix_spawn(&child, program.c_str(), &actions, nullptr, arguments, environ);
     posix_spawn_file_actions_destroy(&actions);
     LookOutcome outcome;
     int status = 0;
