@@ -15,6 +15,9 @@ namespace {
 /// Below this a wrong count does no harm, and asking how much is left would only take time.
 constexpr std::int64_t countsWorthChecking = 4096;
 
+/// What stands in place of an object's class where there is none.
+constexpr const char* noObject = "NULL";
+
 /// Where the numbers of an image stand in their order.
 enum ImageNumber : std::size_t {
     Decision = 1,
@@ -34,16 +37,6 @@ constexpr std::uint64_t bitsPerByte = 8;
 
 bool isPacking(std::int64_t packing) {
     return packing == 1 || packing == 2 || packing == 4 || packing == 8;
-}
-
-bool isNodeClass(const std::string& name) {
-    osgDB::ObjectWrapper* wrapper =
-        osgDB::Registry::instance()->getObjectWrapperManager()->findWrapper(name);
-    if (!wrapper)
-        return false;
-    const auto& bases = wrapper->getAssociates();
-    return std::any_of(bases.begin(), bases.end(),
-                       [](const auto& base) { return base._name == "osg::Node"; });
 }
 
 } // namespace
@@ -81,8 +74,12 @@ void NativeInput::sawNumber(std::int64_t number) {
 }
 
 void NativeInput::sawText(const std::string& text) {
+    m_isElement = m_last == Word::Number || (m_last == Word::Begin && m_beganList) ||
+                  (m_last == Word::End && !m_open.empty() && m_open.back().endedPrimitives);
     m_last = Word::Text;
     m_text = text;
+    if (m_isElement && text == noObject)
+        checkElement(Kind::Other);
     constexpr std::uint64_t encodedLetters = 4;
     constexpr std::uint64_t decodedBytes = 3;
     if (m_image.isOpen && m_image.numbers.size() > DataSize)
@@ -101,7 +98,8 @@ void NativeInput::sawProperty(const std::string& name) {
 }
 
 void NativeInput::sawBegin() {
-    if (m_last == Word::Number)
+    m_beganList = m_last == Word::Number;
+    if (m_beganList)
         expectElements(m_number < 0 ? UINT64_MAX : static_cast<std::uint64_t>(m_number));
     // An object and the list it stands in are a level each.
     if (++m_depth > 2 * deepestObject)
@@ -110,11 +108,16 @@ void NativeInput::sawBegin() {
 }
 
 void NativeInput::sawEnd() {
-    m_last = Word::Other;
+    m_last = Word::End;
     if (m_depth > 0)
         --m_depth;
-    while (!m_open.empty() && m_open.back().depth > m_depth)
+    bool endedPrimitives = false;
+    while (!m_open.empty() && m_open.back().depth > m_depth) {
+        endedPrimitives = m_open.back().isElement && m_open.back().kind == Kind::Primitives;
         m_open.pop_back();
+    }
+    if (!m_open.empty())
+        m_open.back().endedPrimitives = endedPrimitives;
     // Only in text the data of an image have an end of their own.
     if (m_image.isOpen && m_image.numbers.size() > DataSize)
         checkImageText();
@@ -123,18 +126,56 @@ void NativeInput::sawEnd() {
 
 void NativeInput::sawIdentity(std::int64_t id) {
     m_isIdentityNext = false;
+    m_last = Word::Other;
     if (!m_isObject) {
         // The library takes whatever has this identity for an image, without a look at it.
         if (m_objects.count(id) != 0)
             fail("an image refers to another kind of object");
         return;
     }
-    const bool isNode = isNodeClass(m_text);
+    const auto known = m_objects.find(id);
+    const Kind kind = known == m_objects.end() ? kindOf(m_text) : known->second;
+    checkNesting(id);
+    if (m_isElement)
+        checkElement(kind);
+    m_objects.emplace(id, kind);
+    m_open.push_back({m_depth, id, kind, m_isElement});
+}
+
+void NativeInput::checkNesting(std::int64_t id) const {
     for (const OpenObject& object : m_open)
-        if (isNode && object.isNode && object.id == id)
+        if (object.id == id && (object.kind == Kind::Node || object.kind == Kind::Geometry))
             fail("a node is inside itself");
-    m_objects.insert(id);
-    m_open.push_back({m_depth, id, isNode});
+}
+
+void NativeInput::checkElement(Kind kind) {
+    if (m_open.empty() || m_open.back().kind != Kind::Geometry)
+        return;
+    // The primitive sets are the first list of a geometry; the library breaks on what is none.
+    OpenObject& geometry = m_open.back();
+    const bool isAmongPrimitives = !geometry.hasPrimitives || geometry.endedPrimitives;
+    if (isAmongPrimitives && kind != Kind::Primitives)
+        fail("a geometry has something else among its primitives");
+    geometry.hasPrimitives = true;
+}
+
+NativeInput::Kind NativeInput::kindOf(const std::string& className) {
+    osgDB::ObjectWrapper* wrapper =
+        osgDB::Registry::instance()->getObjectWrapperManager()->findWrapper(className);
+    if (!wrapper)
+        return Kind::Other;
+    Kind kind = Kind::Other;
+    for (const auto& base : wrapper->getAssociates()) {
+        if (base._name == "osg::Geometry")
+            return Kind::Geometry;
+        if (base._name == "osg::Node")
+            kind = Kind::Node;
+        else if (base._name == "osg::Array")
+            kind = Kind::Array;
+        else if (base._name == "osg::PrimitiveSet")
+            kind = Kind::Primitives;
+    }
+    return kind;
 }
 
 void NativeInput::takeImageNumber(std::int64_t number) {

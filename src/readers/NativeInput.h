@@ -3,7 +3,7 @@
 #include <osgDB/StreamOperator>
 
 #include <cstdint>
-#include <set>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,6 +23,7 @@ public:
 /// - more elements announced than the rest of the file has bytes,
 /// - an object inside an object deeper than any model goes, or a node inside itself,
 /// - an image that refers to what was another kind of object,
+/// - among the primitive sets of a geometry something else,
 /// - an image larger than its data.
 ///
 /// The classes below tell it of every word. A stream belongs to the caller and outlives this.
@@ -54,7 +55,10 @@ protected:
     void sawOther() { m_last = Word::Other; }
 
 private:
-    enum class Word { Other, Number, Text, Begin };
+    enum class Word { Other, Number, Text, Begin, End };
+
+    /// What kind of object an identity stands for, as far as it matters.
+    enum class Kind { Other, Node, Geometry, Array, Primitives };
 
     /// An image kept within the file: the numbers that describe it, in their order, then its data.
     struct ImageClaim {
@@ -66,10 +70,16 @@ private:
     struct OpenObject {
         std::size_t depth; ///< at which it began
         std::int64_t id;
-        bool isNode;
+        Kind kind;
+        bool isElement;               ///< of a list
+        bool hasPrimitives = false;   ///< a geometry's, so far
+        bool endedPrimitives = false; ///< the last word was the end of one of them
     };
 
+    static Kind kindOf(const std::string& className);
     void sawIdentity(std::int64_t id);
+    void checkElement(Kind kind);
+    void checkNesting(std::int64_t id) const;
     void takeImageNumber(std::int64_t number);
     void checkImageText() const;
     std::uint64_t levelBytes(std::size_t level) const;
@@ -78,10 +88,12 @@ private:
     std::int64_t m_number = 0;
     std::string m_text;
     bool m_isIdentityNext = false;
-    bool m_isObject = false; ///< whose identity comes next, else an image
+    bool m_isObject = false;  ///< whose identity comes next, else an image
+    bool m_isElement = false; ///< the last text stands where a list has an element
+    bool m_beganList = false; ///< the last bracket stands behind a number
     std::size_t m_depth = 0;
     std::vector<OpenObject> m_open;
-    std::set<std::int64_t> m_objects;
+    std::map<std::int64_t, Kind> m_objects;
     ImageClaim m_image;
 };
 

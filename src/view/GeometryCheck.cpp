@@ -88,6 +88,11 @@ std::uint64_t checkPrimitives(osg::Geometry& geometry, std::uint64_t vertexCount
     }
     if (kept.size() != geometry.getNumPrimitiveSets())
         geometry.setPrimitiveSetList(kept);
+    // The native format cannot tell a list of these from one of primitive sets that went wrong.
+    if (kept.empty()) {
+        geometry.setTexCoordArrayList({});
+        geometry.setVertexAttribArrayList({});
+    }
     return used;
 }
 

@@ -1,6 +1,9 @@
 #include "view/ReadGuard.h"
 
+#include "readers/ColladaLook.h"
+#include "readers/InventorLook.h"
 #include "readers/NativeReader.h"
+#include "readers/OldTextLook.h"
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
 #include "view/ModelCheck.h"
@@ -16,6 +19,7 @@
 #include <algorithm>
 #include <exception>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace orbisk {
@@ -89,6 +93,38 @@ std::string fileOf(const std::string& name, const osgDB::Options* options) {
     return found.empty() ? name : osgDB::getRealPath(found);
 }
 
+/// Looks at a file before its reader does, where that tells what its reader would break on.
+std::optional<std::string> contentRefusal(const std::string& name, const std::string& extension,
+                                          const osgDB::Options* options) {
+    const std::string path = osgDB::findDataFile(name, options);
+    if (path.empty())
+        return std::nullopt;
+    if (extension == "osg")
+        return oldTextRefusal(path);
+    if (extension == "dae")
+        return colladaRefusal(path);
+    if (extension == "wrl" || extension == "iv")
+        return inventorRefusal(path);
+    return std::nullopt;
+}
+
+/// Reads a model from a stream that throws where the file ends, for a reader that would go on.
+Result readFromStream(const std::string& name, const std::string& extension,
+                      const osgDB::Options* options) {
+    const std::string path = osgDB::findDataFile(name, options);
+    const osgDB::ReaderWriter* reader =
+        osgDB::Registry::instance()->getReaderWriterForExtension(extension);
+    if (path.empty() || !reader)
+        return path.empty() ? Result::FILE_NOT_FOUND : Result::FILE_NOT_HANDLED;
+    const osg::ref_ptr<osgDB::Options> beside =
+        options ? static_cast<osgDB::Options*>(options->clone(osg::CopyOp::SHALLOW_COPY))
+                : new osgDB::Options;
+    beside->getDatabasePathList().push_front(osgDB::getFilePath(path));
+    osgDB::ifstream file(path.c_str(), std::ios::binary);
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    return reader->readNode(file, beside);
+}
+
 class ReadGuard : public osgDB::ReadFileCallback {
 public:
     Result openArchive(const std::string&, osgDB::ReaderWriter::ArchiveStatus, unsigned int,
@@ -123,9 +159,13 @@ public:
 
     Result readNode(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Model, options, [&] {
-            return m_nativeReader->acceptsExtension(osgDB::getLowerCaseFileExtension(name))
-                       ? m_nativeReader->readNode(name, options)
-                       : ReadFileCallback::readNode(name, options);
+            const std::string extension = osgDB::getLowerCaseFileExtension(name);
+            if (m_nativeReader->acceptsExtension(extension))
+                return m_nativeReader->readNode(name, options);
+            if (const auto refusal = contentRefusal(name, extension, options))
+                return Result(*refusal);
+            return extension == "ive" ? readFromStream(name, extension, options)
+                                      : ReadFileCallback::readNode(name, options);
         });
     }
 
