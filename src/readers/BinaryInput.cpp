@@ -117,7 +117,7 @@ void BinaryInput::readGLenum(osgDB::ObjectGLenum& value) {
 void BinaryInput::readProperty(osgDB::ObjectProperty& property) {
     // Only properties that are one of several names have a number in the file.
     property.set(property._mapProperty ? take<std::int32_t>() : 0);
-    sawProperty(property._name);
+    sawProperty(property._name, property._value);
 }
 
 void BinaryInput::readMark(osgDB::ObjectMark& mark) {

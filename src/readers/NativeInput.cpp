@@ -86,7 +86,10 @@ void NativeInput::sawText(const std::string& text) {
         m_image.dataBytes += text.size() / encodedLetters * decodedBytes;
 }
 
-void NativeInput::sawProperty(const std::string& name) {
+void NativeInput::sawProperty(const std::string& name, int value) {
+    m_isModeNext = name == "PrimitiveType" && !m_isModeNext;
+    if (m_isModeNext && (value < osgDB::ID_DRAWARRAYS || value > osgDB::ID_DRAWELEMENTS_UINT))
+        fail("a geometry has something else among its primitives");
     if (name == "UniqueID") {
         m_isIdentityNext = true;
         m_isObject = m_last == Word::Begin;

@@ -49,7 +49,7 @@ protected:
     // One call for every word, in the order of the file.
     void sawNumber(std::int64_t number);
     void sawText(const std::string& text);
-    void sawProperty(const std::string& name);
+    void sawProperty(const std::string& name, int value);
     void sawBegin();
     void sawEnd();
     void sawOther() { m_last = Word::Other; }
@@ -88,9 +88,10 @@ private:
     std::int64_t m_number = 0;
     std::string m_text;
     bool m_isIdentityNext = false;
-    bool m_isObject = false;  ///< whose identity comes next, else an image
-    bool m_isElement = false; ///< the last text stands where a list has an element
-    bool m_beganList = false; ///< the last bracket stands behind a number
+    bool m_isObject = false;   ///< whose identity comes next, else an image
+    bool m_isElement = false;  ///< the last text stands where a list has an element
+    bool m_beganList = false;  ///< the last bracket stands behind a number
+    bool m_isModeNext = false; ///< of a primitive set, whose type was the last property
     std::size_t m_depth = 0;
     std::vector<OpenObject> m_open;
     std::map<std::int64_t, Kind> m_objects;

@@ -39,6 +39,19 @@ std::optional<unsigned long long> countBefore(const std::string& text, std::size
     return count;
 }
 
+/// Whether the block at `bracket` holds the indices or lengths of a primitive set.
+bool holdsPrimitives(const std::string& text, std::size_t bracket) {
+    const std::size_t end = text.rfind('\n', bracket);
+    const std::size_t line = end == std::string::npos ? 0 : end;
+    const std::size_t name = text.find("Draw", line);
+    return name != std::string::npos && name < bracket;
+}
+
+bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {
+    const std::size_t end = text.find_first_not_of("0123456789 \t\r\n", bracket + 1);
+    return end != std::string::npos && text[end] == '}';
+}
+
 } // namespace
 
 std::optional<std::string> oldTextRefusal(const std::string& path) {
@@ -56,6 +69,8 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
             return "objects are nested too deeply";
         if (countBefore(text, place).value_or(0) > text.size() - place)
             return "more elements are announced than the file has bytes";
+        if (holdsPrimitives(text, place) && !hasOnlyNumbers(text, place))
+            return "a primitive set has something else than numbers";
     }
     return std::nullopt;
 }

@@ -126,7 +126,7 @@ void TextInput::readProperty(osgDB::ObjectProperty& property) {
         property._name = word;
         property.set(0);
     }
-    sawProperty(wanted);
+    sawProperty(wanted, property._value);
 }
 
 void TextInput::readMark(osgDB::ObjectMark& mark) {

@@ -190,14 +190,12 @@ bool isUsableCoordinate(double coordinate) {
 
 void checkGeometry(osg::Geometry& geometry) {
     osg::Array* vertices = geometry.getVertexArray();
-    if (!vertices)
-        return;
-    if (replaceUnusableIn(*vertices)) {
+    if (vertices && replaceUnusableIn(*vertices)) {
         vertices->dirty();
         geometry.dirtyBound();
     }
     const unsigned int setsBefore = geometry.getNumPrimitiveSets();
-    const std::uint64_t used = checkPrimitives(geometry, vertices->getNumElements());
+    const std::uint64_t used = checkPrimitives(geometry, vertices ? vertices->getNumElements() : 0);
     if (geometry.getNumPrimitiveSets() != setsBefore)
         OSG_WARN << "Left out " << setsBefore - geometry.getNumPrimitiveSets()
                  << " primitive sets that cannot be drawn." << std::endl;

@@ -8,8 +8,8 @@ namespace orbisk {
 /// which lengths are made.
 bool isUsableCoordinate(double coordinate);
 
-/// Makes a geometry safe to draw, to measure and to pick, as `checkModel` tells. Without vertices
-/// it is left as it is, for nothing is drawn of it.
+/// Makes a geometry safe to draw, to measure and to pick, as `checkModel` tells. One without
+/// vertices keeps no primitive sets.
 void checkGeometry(osg::Geometry& geometry);
 
 } // namespace orbisk

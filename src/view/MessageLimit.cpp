@@ -16,6 +16,9 @@ public:
     explicit MessageLimit(osg::NotifyHandler* former) : m_former(former) {}
 
     void notify(osg::NotifySeverity severity, const char* message) override {
+        // The library says nothing now and then.
+        if (!message || !*message)
+            return;
         const int number = ++messageCount;
         if (number <= mostMessages)
             m_former->notify(severity, message);
