@@ -41,10 +41,13 @@ std::optional<unsigned long long> countBefore(const std::string& text, std::size
 
 /// Whether the block at `bracket` holds the indices or lengths of a primitive set.
 bool holdsPrimitives(const std::string& text, std::size_t bracket) {
-    const std::size_t end = text.rfind('\n', bracket);
-    const std::size_t line = end == std::string::npos ? 0 : end;
-    const std::size_t name = text.find("Draw", line);
-    return name != std::string::npos && name < bracket;
+    // The bracket stands behind the name or on the next line.
+    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
+    if (last == std::string::npos)
+        return false;
+    const std::size_t end = text.rfind('\n', last);
+    const std::size_t name = text.find("Draw", end == std::string::npos ? 0 : end);
+    return name != std::string::npos && name < last;
 }
 
 bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {

@@ -54,6 +54,8 @@ TEST_F(ContentLookTest, OldTextListLongerThanTheFileIsRefused) {
 TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1^ 2\n }\n"));
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
+    EXPECT_FALSE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3^ 3\n }\n"));
+    EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
 }
 
 TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
