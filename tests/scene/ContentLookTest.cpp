@@ -79,6 +79,27 @@ TEST_F(ContentLookTest, ColladaNodeInsideItselfIsRefused) {
     EXPECT_FALSE(isColladaFine("<node id='a'><instance_node url='&#35;a'/></node>"));
 }
 
+TEST_F(ContentLookTest, ColladaSourceShorterThanItsAccessorIsRefused) {
+    const auto source = [](const std::string& accessor) {
+        return "<source><float_array id='a' count='6'>1 2 3\n4 5 6</float_array><technique_common>"
+               "<accessor source='#a' " +
+               accessor + "/></technique_common></source>";
+    };
+    EXPECT_TRUE(isColladaFine(source("count='2' stride='3'")));
+    EXPECT_TRUE(isColladaFine(source("count='6'")));
+    EXPECT_TRUE(isColladaFine(source("count='0' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='3' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='7'")));
+    EXPECT_FALSE(isColladaFine(source("count='-1' stride='1'")));
+    EXPECT_FALSE(isColladaFine(source("count='9223372036854775807' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='2' stride='0'")));
+}
+
+TEST_F(ContentLookTest, ColladaInputFarBehindTheOthersIsRefused) {
+    EXPECT_TRUE(isColladaFine("<triangles><input semantic='VERTEX' offset='3'/></triangles>"));
+    EXPECT_FALSE(isColladaFine("<triangles><input semantic='VERTEX' offset='65536'/></triangles>"));
+}
+
 TEST_F(ContentLookTest, ColladaWithDefinitionsIsRefused) {
     EXPECT_FALSE(isColladaFine("", "<!DOCTYPE COLLADA [<!ENTITY e 'x'>]>"));
     EXPECT_FALSE(isColladaFine("", "<!DOCTYPE COLLADA SYSTEM 'http://host/x.dtd'>"));
