@@ -1,12 +1,12 @@
 #include "view/ModelReader.h"
 
-#include <osg/Notify>
+#include "view/ReadGuard.h"
+
 #include <osgDB/FileUtils>
 #include <osgDB/Options>
 #include <osgDB/ReadFile>
 #include <osgDB/Registry>
 
-#include <exception>
 #include <utility>
 
 namespace orbisk {
@@ -34,16 +34,11 @@ private:
 } // namespace
 
 osg::ref_ptr<osg::Node> readModel(const std::string& path) {
+    installReadGuard();
+    trustFolderOf(path);
     const osg::ref_ptr<osgDB::Options> options = new osgDB::Options("ForceReadingImage");
     options->setFindFileCallback(new ModelInItsPlace(path));
-    try {
-        return osgDB::readRefNodeFile(path, options.get());
-    } catch (const std::exception& failure) {
-        OSG_WARN << "Reading " << path << " failed: " << failure.what() << std::endl;
-    } catch (...) {
-        OSG_WARN << "Reading " << path << " failed." << std::endl;
-    }
-    return nullptr;
+    return osgDB::readRefNodeFile(path, options.get());
 }
 
 } // namespace orbisk

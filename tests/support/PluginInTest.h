@@ -1,5 +1,7 @@
 #pragma once
 
+#include "view/ReadRules.h"
+
 #include <osg/ref_ptr>
 #include <osgDB/FileNameUtils>
 #include <osgDB/ReaderWriter>
@@ -62,7 +64,11 @@ private:
 /// Keeps a scripted plug-in registered while it lives.
 class PluginInTest {
 public:
-    PluginInTest() { osgDB::Registry::instance()->addReaderWriter(m_plugin); }
+    PluginInTest() {
+        allowReading(testExtension);
+        osgDB::Registry::instance()->addReaderWriter(m_plugin);
+    }
+
     ~PluginInTest() { osgDB::Registry::instance()->removeReaderWriter(m_plugin); }
 
     PluginInTest(const PluginInTest&) = delete;

@@ -2,6 +2,7 @@
 
 #include "support/TemporaryFolder.h"
 #include "support/TestModels.h"
+#include "view/ReadRules.h"
 
 #include <osgDB/FileNameUtils>
 #include <osgDB/FileUtils>
@@ -48,7 +49,10 @@ void act(const std::string& text) {
 
 class SlowReader : public osgDB::ReaderWriter {
 public:
-    SlowReader() { supportsExtension("slow", "test models"); }
+    SlowReader() {
+        supportsExtension("slow", "test models");
+        allowReading("slow");
+    }
 
     const char* className() const override { return "SlowReader"; }
 

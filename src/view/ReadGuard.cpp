@@ -1,0 +1,234 @@
+#include "view/ReadGuard.h"
+
+#include "readers/ColladaLook.h"
+#include "readers/InventorLook.h"
+#include "readers/NativeReader.h"
+#include "readers/OldTextLook.h"
+#include "view/LibraryGuard.h"
+#include "view/MessageLimit.h"
+#include "view/ModelCheck.h"
+#include "view/ReadRules.h"
+#include "view/RemoteDocuments.h"
+
+#include <osg/Notify>
+#include <osgDB/Callbacks>
+#include <osgDB/FileNameUtils>
+#include <osgDB/FileUtils>
+#include <osgDB/Registry>
+
+#include <algorithm>
+#include <exception>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace orbisk {
+
+namespace {
+
+using Result = osgDB::ReaderWriter::ReadResult;
+
+constexpr std::size_t deepestNesting = 16;
+constexpr std::size_t mostNestedReads = 100'000;
+
+class TrustedFolder {
+public:
+    void setFor(const std::string& modelPath) {
+        const std::lock_guard lock(m_mutex);
+        m_path = osgDB::getFilePath(modelPath);
+    }
+
+    bool contains(const std::string& name) {
+        const std::lock_guard lock(m_mutex);
+        return !m_path.empty() && name.compare(0, m_path.size(), m_path) == 0;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::string m_path;
+};
+
+TrustedFolder& trustedFolder() {
+    static TrustedFolder folder;
+    return folder;
+}
+
+/// What a thread is reading at the moment, from the outermost file to the innermost.
+struct Reading {
+    std::vector<std::string> files;
+    std::size_t count = 0; ///< of reads since the outermost one began
+};
+
+thread_local Reading reading;
+
+/// Notes one read while it lasts.
+class ReadMark {
+public:
+    explicit ReadMark(const std::string& file) {
+        if (isOutermost())
+            reading.count = 0;
+        ++reading.count;
+        reading.files.push_back(file);
+    }
+
+    ~ReadMark() { reading.files.pop_back(); }
+
+    ReadMark(const ReadMark&) = delete;
+    ReadMark& operator=(const ReadMark&) = delete;
+
+    static bool isOutermost() { return reading.files.empty(); }
+
+    static bool isInside(const std::string& file) {
+        return std::find(reading.files.begin(), reading.files.end(), file) != reading.files.end();
+    }
+
+    static bool isTooMuch() {
+        return reading.files.size() >= deepestNesting || reading.count >= mostNestedReads;
+    }
+};
+
+/// The file that a name leads to, or the name where there is none.
+std::string fileOf(const std::string& name, const osgDB::Options* options) {
+    const std::string found = osgDB::findDataFile(name, options);
+    return found.empty() ? name : osgDB::getRealPath(found);
+}
+
+/// Looks at a file before its reader does, where that tells what its reader would break on.
+std::optional<std::string> contentRefusal(const std::string& name, const std::string& extension,
+                                          const osgDB::Options* options) {
+    const std::string path = osgDB::findDataFile(name, options);
+    if (path.empty())
+        return std::nullopt;
+    if (extension == "osg")
+        return oldTextRefusal(path);
+    if (extension == "dae")
+        return colladaRefusal(path);
+    if (extension == "wrl" || extension == "iv")
+        return inventorRefusal(path);
+    return std::nullopt;
+}
+
+/// Reads a model from a stream that throws where the file ends, for a reader that would go on.
+Result readFromStream(const std::string& name, const std::string& extension,
+                      const osgDB::Options* options) {
+    const std::string path = osgDB::findDataFile(name, options);
+    const osgDB::ReaderWriter* reader =
+        osgDB::Registry::instance()->getReaderWriterForExtension(extension);
+    if (path.empty() || !reader)
+        return path.empty() ? Result::FILE_NOT_FOUND : Result::FILE_NOT_HANDLED;
+    const osg::ref_ptr<osgDB::Options> beside =
+        options ? static_cast<osgDB::Options*>(options->clone(osg::CopyOp::SHALLOW_COPY))
+                : new osgDB::Options;
+    beside->getDatabasePathList().push_front(osgDB::getFilePath(path));
+    osgDB::ifstream file(path.c_str(), std::ios::binary);
+    file.exceptions(std::ios::failbit | std::ios::badbit);
+    return reader->readNode(file, beside);
+}
+
+class ReadGuard : public osgDB::ReadFileCallback {
+public:
+    Result openArchive(const std::string&, osgDB::ReaderWriter::ArchiveStatus, unsigned int,
+                       const osgDB::Options*) override {
+        return Result("archives are not opened");
+    }
+
+    Result readScript(const std::string&, const osgDB::Options*) override {
+        return Result("scripts are not read");
+    }
+
+    Result readObject(const std::string& name, const osgDB::Options* options) override {
+        return guarded(name, ReadKind::Other, options, [&] {
+            return m_nativeReader->acceptsExtension(osgDB::getLowerCaseFileExtension(name))
+                       ? m_nativeReader->readObject(name, options)
+                       : ReadFileCallback::readObject(name, options);
+        });
+    }
+
+    Result readImage(const std::string& name, const osgDB::Options* options) override {
+        return guarded(name, ReadKind::Image, options, [&] {
+            return m_nativeReader->acceptsExtension(osgDB::getLowerCaseFileExtension(name))
+                       ? m_nativeReader->readImage(name, options)
+                       : ReadFileCallback::readImage(name, options);
+        });
+    }
+
+    Result readHeightField(const std::string& name, const osgDB::Options* options) override {
+        return guarded(name, ReadKind::Image, options,
+                       [&] { return ReadFileCallback::readHeightField(name, options); });
+    }
+
+    Result readNode(const std::string& name, const osgDB::Options* options) override {
+        return guarded(name, ReadKind::Model, options, [&] {
+            const std::string extension = osgDB::getLowerCaseFileExtension(name);
+            if (m_nativeReader->acceptsExtension(extension))
+                return m_nativeReader->readNode(name, options);
+            if (const auto refusal = contentRefusal(name, extension, options))
+                return Result(*refusal);
+            return extension == "ive" ? readFromStream(name, extension, options)
+                                      : ReadFileCallback::readNode(name, options);
+        });
+    }
+
+    Result readShader(const std::string& name, const osgDB::Options* options) override {
+        return guarded(name, ReadKind::Shader, options,
+                       [&] { return ReadFileCallback::readShader(name, options); });
+    }
+
+private:
+    template <typename Read>
+    Result guarded(const std::string& name, ReadKind kind, const osgDB::Options* options,
+                   const Read& read) {
+        if (const auto refusal = readRefusal(name, kind))
+            return Result(*refusal);
+        if (isShareName(name) && !trustedFolder().contains(name))
+            return Result("files of other machines are not read");
+        const bool isOutermost = ReadMark::isOutermost();
+        if (isOutermost)
+            startCountingMessages();
+        const std::string file = fileOf(name, options);
+        if (ReadMark::isTooMuch() || ReadMark::isInside(file))
+            return Result("files that read each other without end are not read");
+        const ReadMark mark(file);
+        Result result = withoutThrowing(read);
+        return isOutermost ? checked(result) : result;
+    }
+
+    template <typename Read>
+    static Result withoutThrowing(const Read& read) {
+        try {
+            return read();
+        } catch (const std::exception& failure) {
+            return Result(failure.what());
+        } catch (...) {
+            return Result("the reader failed");
+        }
+    }
+
+    static Result checked(Result& result) {
+        if (!result.validNode())
+            return result;
+        const auto fault = checkModel(*result.getNode());
+        return fault ? Result(*fault) : result;
+    }
+
+    const osg::ref_ptr<NativeReader> m_nativeReader = new NativeReader;
+};
+
+} // namespace
+
+void installReadGuard() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        osgDB::Registry& registry = *osgDB::Registry::instance();
+        registry.setReadFileCallback(new ReadGuard);
+        installLibraryGuard();
+        refuseRemoteDocuments();
+        limitMessages();
+    });
+}
+
+void trustFolderOf(const std::string& modelPath) {
+    trustedFolder().setFor(modelPath);
+}
+
+} // namespace orbisk

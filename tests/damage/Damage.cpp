@@ -1,0 +1,122 @@
+#include "damage/Damage.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace orbisk::test {
+
+namespace {
+
+/// Random numbers that are the same with every standard library (the "splitmix64" generator of
+/// Steele, Lea and Flood).
+class Dice {
+public:
+    explicit Dice(std::uint64_t seed) : m_state(seed) {}
+
+    std::uint64_t next() {
+        m_state += 0x9e3779b97f4a7c15u;
+        std::uint64_t z = m_state;
+        z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9u;
+        z = (z ^ (z >> 27)) * 0x94d049bb133111ebu;
+        return z ^ (z >> 31);
+    }
+
+    /// One of 0 to `count` - 1; `count` is not 0.
+    std::size_t below(std::size_t count) { return static_cast<std::size_t>(next() % count); }
+
+private:
+    std::uint64_t m_state;
+};
+
+constexpr std::size_t mostChanges = 20;
+constexpr std::size_t longestRun = 400;
+constexpr const char* absurdTexts[] = {"-1",   "0",           "4294967295", "2147483647",  "65536",
+                                       "1e39", "-2000000000", "nan",        "99999999999", ""};
+constexpr std::uint32_t absurdNumbers[] = {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x0000ffffu,
+                                           0x00ffffffu, 0u,          0x7fc00000u, 0x10000000u};
+
+struct Run {
+    std::size_t begin;
+    std::size_t size;
+};
+
+Run chooseRun(const std::string& bytes, Dice& dice) {
+    const std::size_t begin = dice.below(bytes.size());
+    return {begin, std::min(bytes.size() - begin, 1 + dice.below(longestRun))};
+}
+
+void changeBytes(std::string& bytes, Dice& dice) {
+    const std::size_t count = 1 + dice.below(mostChanges);
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[dice.below(bytes.size())] = static_cast<char>(dice.below(256));
+}
+
+void changeBits(std::string& bytes, Dice& dice) {
+    const std::size_t count = 1 + dice.below(mostChanges);
+    for (std::size_t i = 0; i < count; ++i) {
+        char& byte = bytes[dice.below(bytes.size())];
+        byte = static_cast<char>(byte ^ (1 << dice.below(8)));
+    }
+}
+
+void makeNumberAbsurd(std::string& bytes, Dice& dice) {
+    const std::uint32_t number = absurdNumbers[dice.below(std::size(absurdNumbers))];
+    if (bytes.size() < sizeof number)
+        return;
+    const std::size_t place = dice.below(bytes.size() - sizeof number + 1);
+    std::memcpy(bytes.data() + place, &number, sizeof number);
+}
+
+void makeWordAbsurd(std::string& bytes, Dice& dice) {
+    const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+    const std::size_t start = dice.below(bytes.size());
+    const auto first =
+        std::find_if(bytes.begin() + static_cast<std::ptrdiff_t>(start), bytes.end(), isDigit);
+    const auto last = std::find_if_not(first, bytes.end(), isDigit);
+    bytes.replace(first, last, absurdTexts[dice.below(std::size(absurdTexts))]);
+}
+
+} // namespace
+
+std::string damaged(const std::string& bytes, std::uint64_t seed) {
+    if (bytes.empty())
+        return bytes;
+    Dice dice(seed);
+    std::string result = bytes;
+    switch (dice.below(8)) {
+    case 0:
+        result.resize(dice.below(result.size()));
+        break;
+    case 1:
+        changeBytes(result, dice);
+        break;
+    case 2:
+        changeBits(result, dice);
+        break;
+    case 3: {
+        const Run run = chooseRun(result, dice);
+        std::fill_n(result.begin() + static_cast<std::ptrdiff_t>(run.begin), run.size, '\0');
+        break;
+    }
+    case 4: {
+        const Run run = chooseRun(result, dice);
+        result.erase(run.begin, run.size);
+        break;
+    }
+    case 5: {
+        const Run run = chooseRun(result, dice);
+        result.insert(dice.below(result.size()), result.substr(run.begin, run.size));
+        break;
+    }
+    case 6:
+        makeNumberAbsurd(result, dice);
+        break;
+    default:
+        makeWordAbsurd(result, dice);
+        break;
+    }
+    return result;
+}
+
+} // namespace orbisk::test

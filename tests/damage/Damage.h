@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace orbisk::test {
+
+/// `bytes` damaged in one of several ways, chosen by `seed`: cut off, bytes or bits changed, a run
+/// emptied, repeated or left out, a number of a binary file or of a text made absurd. The same seed
+/// does the same damage everywhere.
+std::string damaged(const std::string& bytes, std::uint64_t seed);
+
+} // namespace orbisk::test

@@ -1,0 +1,162 @@
+#include "readers/ColladaLook.h"
+#include "readers/InventorLook.h"
+#include "readers/OldTextLook.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace orbisk::test {
+
+namespace {
+
+class ContentLookTest : public testing::Test {
+protected:
+    static bool isOldTextFine(const std::string& text) {
+        writeFile("model.osg", text);
+        return !oldTextRefusal("model.osg");
+    }
+
+    static bool isColladaFine(const std::string& nodes, const std::string& head = "") {
+        writeFile("model.dae",
+                  "<?xml version=\"1.0\"?>" + head + "<COLLADA>" + nodes + "</COLLADA>");
+        return !colladaRefusal("model.dae");
+    }
+
+    static bool isInventorFine(const std::string& text) {
+        writeFile("model.wrl", text);
+        return !inventorRefusal("model.wrl");
+    }
+
+    WorkingFolder m_folder;
+};
+
+std::string faces(const std::string& indices, const std::string& more = "") {
+    return "#VRML V2.0 utf8\nShape { geometry IndexedFaceSet { coord Coordinate { point [ 0 0 0, "
+           "1 0 0, 0 1 0 ] } " +
+           more + " coordIndex [ " + indices + " ] } }\n";
+}
+
+const std::string points = "Coordinate3 { point [ 0 0 0, 1 0 0, 0 1 0 ] } ";
+
+} // namespace
+
+TEST_F(ContentLookTest, OldTextWithListsThatFitIsFine) {
+    EXPECT_TRUE(isOldTextFine("Geometry {\n  VertexArray Vec3Array 3 {\n 0 0 0\n }\n}\n"));
+    EXPECT_TRUE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n }\n"));
+    EXPECT_TRUE(isOldTextFine(""));
+}
+
+TEST_F(ContentLookTest, OldTextListLongerThanTheFileIsRefused) {
+    EXPECT_FALSE(isOldTextFine("VertexArray Vec3Array 3000 {\n 0 0 0\n }\n"));
+    EXPECT_FALSE(isOldTextFine("VertexArray Vec3Array 4000000000 {\n 0 0 0\n }\n"));
+}
+
+TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
+    EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1^ 2\n }\n"));
+    EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
+    EXPECT_FALSE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3^ 3\n }\n"));
+    EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
+}
+
+TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
+    std::string text;
+    for (int i = 0; i < 2000; ++i)
+        text += "Group {\n";
+    EXPECT_FALSE(isOldTextFine(text));
+}
+
+TEST_F(ContentLookTest, ColladaWithSharedNodesIsFine) {
+    EXPECT_TRUE(isColladaFine("<node id='a'><node id='b'/><instance_node url='#c'/>"
+                              "<instance_node url='#c'/></node><node id='c'/>"));
+    EXPECT_TRUE(isColladaFine("<node id='a'><node><node/></node><node/></node>"));
+}
+
+TEST_F(ContentLookTest, ColladaNodeInsideItselfIsRefused) {
+    EXPECT_FALSE(isColladaFine("<node id='a'><instance_node url='#a'/></node>"));
+    EXPECT_FALSE(
+        isColladaFine("<node id='a'><instance_node url='#b'/></node>"
+                      "<node id='b'><node id='c'><instance_node url='#a'/></node></node>"));
+    EXPECT_FALSE(isColladaFine("<node id='a'><instance_node url='&#35;a'/></node>"));
+}
+
+TEST_F(ContentLookTest, ColladaSourceShorterThanItsAccessorIsRefused) {
+    const auto source = [](const std::string& accessor) {
+        return "<source><float_array id='a' count='6'>1 2 3\n4 5 6</float_array><technique_common>"
+               "<accessor source='#a' " +
+               accessor + "/></technique_common></source>";
+    };
+    EXPECT_TRUE(isColladaFine(source("count='2' stride='3'")));
+    EXPECT_TRUE(isColladaFine(source("count='6'")));
+    EXPECT_TRUE(isColladaFine(source("count='0' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='3' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='7'")));
+    EXPECT_FALSE(isColladaFine(source("count='-1' stride='1'")));
+    EXPECT_FALSE(isColladaFine(source("count='9223372036854775807' stride='3'")));
+    EXPECT_FALSE(isColladaFine(source("count='2' stride='0'")));
+}
+
+TEST_F(ContentLookTest, ColladaInputFarBehindTheOthersIsRefused) {
+    EXPECT_TRUE(isColladaFine("<triangles><input semantic='VERTEX' offset='3'/></triangles>"));
+    EXPECT_FALSE(isColladaFine("<triangles><input semantic='VERTEX' offset='65536'/></triangles>"));
+}
+
+TEST_F(ContentLookTest, ColladaWithDefinitionsIsRefused) {
+    EXPECT_FALSE(isColladaFine("", "<!DOCTYPE COLLADA [<!ENTITY e 'x'>]>"));
+    EXPECT_FALSE(isColladaFine("", "<!DOCTYPE COLLADA SYSTEM 'http://host/x.dtd'>"));
+}
+
+TEST_F(ContentLookTest, ColladaThatIsNoXmlIsRefused) {
+    EXPECT_FALSE(isColladaFine("<node>"));
+    EXPECT_FALSE(isColladaFine("<a></b>"));
+}
+
+TEST_F(ContentLookTest, InventorIndicesThatFitAreFine) {
+    EXPECT_TRUE(isInventorFine(faces("0 1 2 -1")));
+    EXPECT_TRUE(isInventorFine(faces("0, 1, 2")));
+    EXPECT_TRUE(isInventorFine("#VRML V1.0 ascii\nSeparator { " + points +
+                               "IndexedFaceSet { coordIndex [ 0, 1, 2, -1 ] } }\n"));
+    EXPECT_TRUE(isInventorFine("not even a scene"));
+    EXPECT_TRUE(isInventorFine(""));
+}
+
+TEST_F(ContentLookTest, InventorIndicesBeyondThePointsAreRefused) {
+    EXPECT_FALSE(isInventorFine(faces("0 1 3 -1")));
+    EXPECT_FALSE(isInventorFine(faces("0 1 99999")));
+    EXPECT_FALSE(isInventorFine("#VRML V1.0 ascii\nSeparator { " + points +
+                                "IndexedFaceSet { coordIndex [ 0, 1, 3, -1 ] } }\n"));
+    EXPECT_FALSE(isInventorFine("#VRML V1.0 ascii\nSeparator { Group { " + points +
+                                "} IndexedLineSet { coordIndex [ 3 ] } }\n"));
+}
+
+TEST_F(ContentLookTest, InventorCompanionsAreLookedAtToo) {
+    const std::string normals = "normal Normal { vector [ 0 0 1 ] } normalIndex [ ";
+    EXPECT_TRUE(isInventorFine(faces("0 1 2", normals + "0 0 0 ]")));
+    EXPECT_FALSE(isInventorFine(faces("0 1 2", normals + "0 0 1 ]")));
+}
+
+TEST_F(ContentLookTest, InventorPointsAreThoseInForce) {
+    const std::string one = "Coordinate3 { point [ 0 0 0 ] } ";
+    EXPECT_TRUE(isInventorFine("Separator { " + points + "Separator { " + one +
+                               "} IndexedFaceSet { coordIndex [ 0, 1, 2 ] } }"));
+    EXPECT_FALSE(isInventorFine("Separator { " + points + one +
+                                "IndexedFaceSet { coordIndex [ 0, 1, 2 ] } }"));
+    EXPECT_FALSE(isInventorFine("Separator { DEF few " + one + points +
+                                "USE few IndexedFaceSet { coordIndex [ 0, 1, 2 ] } }"));
+}
+
+TEST_F(ContentLookTest, InventorCommentsAndTextsAreNoScene) {
+    EXPECT_TRUE(isInventorFine("# } coordIndex [ 99 ] {\n" + faces("0 1 2")));
+    EXPECT_TRUE(isInventorFine("Info { string \"coordIndex [ 99 ] }}}\" } " + faces("0 1 2")));
+}
+
+TEST_F(ContentLookTest, InventorFilesThatIncludeEachOtherAreRefused) {
+    EXPECT_FALSE(isInventorFine("Group { children [ Inline { url \"model.wrl\" } ] }"));
+    writeFile("other.wrl", "Inline { url [ \"missing.wrl\" \"model.wrl\" ] }");
+    EXPECT_FALSE(isInventorFine("Inline { url \"other.wrl\" }"));
+    writeFile("other.wrl", faces("0 1 2"));
+    EXPECT_TRUE(isInventorFine("Inline { url \"other.wrl\" } Inline { url \"other.wrl\" }"));
+    writeFile("other.wrl", faces("0 1 3"));
+    EXPECT_FALSE(isInventorFine("Inline { url \"other.wrl\" }"));
+}
+
+} // namespace orbisk::test

@@ -1,0 +1,279 @@
+#include "view/ModelCheck.h"
+
+#include "support/SceneTools.h"
+
+#include <gtest/gtest.h>
+#include <osg/LOD>
+#include <osg/MatrixTransform>
+#include <osg/PositionAttitudeTransform>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+namespace orbisk::test {
+
+namespace {
+
+constexpr float infinite = std::numeric_limits<float>::infinity();
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+
+class ModelCheckTest : public testing::Test {
+protected:
+    ModelCheckTest() : m_quad(makeQuad()), m_geode(new osg::Geode) { m_geode->addDrawable(m_quad); }
+
+    void setPrimitives(osg::PrimitiveSet* set) {
+        m_quad->removePrimitiveSet(0, m_quad->getNumPrimitiveSets());
+        m_quad->addPrimitiveSet(set);
+    }
+
+    osg::Vec3Array& vertices() { return dynamic_cast<osg::Vec3Array&>(*m_quad->getVertexArray()); }
+
+    /// Whether the quad's only primitive set is still there after the check.
+    bool keeps(osg::PrimitiveSet* set) {
+        setPrimitives(set);
+        EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+        return m_quad->getNumPrimitiveSets() == 1;
+    }
+
+    QuietLibrary m_quiet;
+    osg::ref_ptr<osg::Geometry> m_quad; ///< four vertices
+    osg::ref_ptr<osg::Geode> m_geode;
+};
+
+/// A primitive set of indices from 0 on, and one at the end.
+template <typename Elements>
+osg::ref_ptr<Elements> indicesUpTo(unsigned int last) {
+    const osg::ref_ptr<Elements> set = new Elements(GL_TRIANGLES);
+    for (const unsigned int index : {0u, 1u, last})
+        set->push_back(static_cast<typename Elements::value_type>(index));
+    return set;
+}
+
+/// Groups one inside the other. @return the outermost.
+osg::ref_ptr<osg::Group> chainOf(std::size_t length) {
+    osg::ref_ptr<osg::Group> outermost = new osg::Group;
+    for (std::size_t i = 1; i < length; ++i) {
+        const osg::ref_ptr<osg::Group> next = new osg::Group;
+        next->addChild(outermost);
+        outermost = next;
+    }
+    return outermost;
+}
+
+} // namespace
+
+TEST_F(ModelCheckTest, GoodModelStaysAsItIs) {
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_EQ(m_quad->getNumPrimitiveSets(), 1u);
+    EXPECT_NE(m_quad->getNormalArray(), nullptr);
+    EXPECT_NE(m_quad->getTexCoordArray(0), nullptr);
+    EXPECT_EQ(vertices().front(), osg::Vec3(-1, -1, 0));
+}
+
+TEST_F(ModelCheckTest, IndicesBeyondTheVerticesAreLeftOut) {
+    EXPECT_TRUE(keeps(indicesUpTo<osg::DrawElementsUByte>(3)));
+    EXPECT_FALSE(keeps(indicesUpTo<osg::DrawElementsUByte>(4)));
+    EXPECT_TRUE(keeps(indicesUpTo<osg::DrawElementsUShort>(3)));
+    EXPECT_FALSE(keeps(indicesUpTo<osg::DrawElementsUShort>(65535)));
+    EXPECT_TRUE(keeps(indicesUpTo<osg::DrawElementsUInt>(3)));
+    EXPECT_FALSE(keeps(indicesUpTo<osg::DrawElementsUInt>(4)));
+    EXPECT_FALSE(keeps(indicesUpTo<osg::DrawElementsUInt>(4'000'000'000u)));
+}
+
+TEST_F(ModelCheckTest, RangesBeyondTheVerticesAreLeftOut) {
+    EXPECT_TRUE(keeps(new osg::DrawArrays(GL_TRIANGLES, 0, 4)));
+    EXPECT_TRUE(keeps(new osg::DrawArrays(GL_TRIANGLES, 1, 3)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, 0, 5)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, 2, 3)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, -1, 3)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, 1, -3)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, INT_MAX, INT_MAX)));
+}
+
+TEST_F(ModelCheckTest, LengthsBeyondTheVerticesAreLeftOut) {
+    GLsizei fits[] = {3, 1};
+    GLsizei tooLong[] = {3, 2};
+    GLsizei negative[] = {5, -1};
+    EXPECT_TRUE(keeps(new osg::DrawArrayLengths(GL_TRIANGLES, 0, 2, fits)));
+    EXPECT_FALSE(keeps(new osg::DrawArrayLengths(GL_TRIANGLES, 1, 2, fits)));
+    EXPECT_FALSE(keeps(new osg::DrawArrayLengths(GL_TRIANGLES, 0, 2, tooLong)));
+    EXPECT_FALSE(keeps(new osg::DrawArrayLengths(GL_TRIANGLES, 0, 2, negative)));
+}
+
+TEST_F(ModelCheckTest, EmptyPrimitiveSetsStay) {
+    EXPECT_TRUE(keeps(new osg::DrawArrays(GL_TRIANGLES, 0, 0)));
+    EXPECT_TRUE(keeps(new osg::DrawElementsUInt(GL_TRIANGLES)));
+}
+
+TEST_F(ModelCheckTest, UnknownModesAndAbsurdInstancesAreLeftOut) {
+    EXPECT_TRUE(keeps(new osg::DrawArrays(GL_PATCHES, 0, 4)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_PATCHES + 1, 0, 4)));
+    EXPECT_TRUE(keeps(new osg::DrawArrays(GL_TRIANGLES, 0, 4, 1000)));
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_TRIANGLES, 0, 4, INT_MAX)));
+}
+
+TEST_F(ModelCheckTest, OtherPrimitiveSetsOfTheGeometryStay) {
+    m_quad->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLES, 0, 5));
+    m_quad->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLES, 0, 3));
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    ASSERT_EQ(m_quad->getNumPrimitiveSets(), 2u);
+    EXPECT_EQ(m_quad->getPrimitiveSet(1)->getNumIndices(), 3u);
+}
+
+TEST_F(ModelCheckTest, WithoutVerticesNothingIsDrawn) {
+    m_quad->setVertexArray(nullptr);
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_EQ(m_quad->getNumPrimitiveSets(), 0u);
+}
+
+TEST_F(ModelCheckTest, ShortCompanionsAreLeftOutAndTheTrianglesStay) {
+    m_quad->setNormalArray(new osg::Vec3Array(3), osg::Array::BIND_PER_VERTEX);
+    m_quad->setColorArray(new osg::Vec4Array(3), osg::Array::BIND_PER_VERTEX);
+    m_quad->setSecondaryColorArray(new osg::Vec4Array(3), osg::Array::BIND_PER_VERTEX);
+    m_quad->setFogCoordArray(new osg::FloatArray(3), osg::Array::BIND_PER_VERTEX);
+    m_quad->setTexCoordArray(0, new osg::Vec2Array(3), osg::Array::BIND_PER_VERTEX);
+    m_quad->setTexCoordArray(1, new osg::Vec2Array(4), osg::Array::BIND_PER_VERTEX);
+    m_quad->setVertexAttribArray(6, new osg::FloatArray(3), osg::Array::BIND_PER_VERTEX);
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_EQ(m_quad->getNumPrimitiveSets(), 1u);
+    EXPECT_EQ(m_quad->getNormalArray(), nullptr);
+    EXPECT_EQ(m_quad->getColorArray(), nullptr);
+    EXPECT_EQ(m_quad->getSecondaryColorArray(), nullptr);
+    EXPECT_EQ(m_quad->getFogCoordArray(), nullptr);
+    EXPECT_EQ(m_quad->getTexCoordArray(0), nullptr);
+    EXPECT_NE(m_quad->getTexCoordArray(1), nullptr);
+    EXPECT_EQ(m_quad->getVertexAttribArray(6), nullptr);
+}
+
+TEST_F(ModelCheckTest, CompanionsOfOtherBindingsNeedWhatTheyAreReadFor) {
+    m_quad->setNormalArray(new osg::Vec3Array(0), osg::Array::BIND_OVERALL);
+    m_quad->setColorArray(new osg::Vec4Array(1), osg::Array::BIND_PER_PRIMITIVE_SET);
+    m_quad->addPrimitiveSet(new osg::DrawArrays(GL_TRIANGLES, 0, 3));
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_EQ(m_quad->getNormalArray(), nullptr);
+    EXPECT_EQ(m_quad->getColorArray(), nullptr);
+}
+
+TEST_F(ModelCheckTest, InfiniteAndHugeCoordinatesBecomeNoNumbers) {
+    vertices()[0].x() = infinite;
+    vertices()[1].y() = -infinite;
+    vertices()[2].z() = 1e30f;
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_TRUE(std::isnan(vertices()[0].x()));
+    EXPECT_TRUE(std::isnan(vertices()[1].y()));
+    EXPECT_TRUE(std::isnan(vertices()[2].z()));
+    EXPECT_EQ(vertices()[0].y(), -1.0f);
+    EXPECT_EQ(vertices()[3], osg::Vec3(-1, 1, 0));
+    EXPECT_LT(m_geode->getBound().radius(), 2.0f);
+    EXPECT_EQ(m_quad->getNumPrimitiveSets(), 1u);
+}
+
+TEST_F(ModelCheckTest, CoordinatesOfSurveysStay) {
+    vertices()[0].set(4e6f, -5e5f, 8000.0f);
+    vertices()[1].set(1e18f, 0, 0);
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_EQ(vertices()[0], osg::Vec3(4e6f, -5e5f, 8000.0f));
+    EXPECT_EQ(vertices()[1], osg::Vec3(1e18f, 0, 0));
+}
+
+TEST_F(ModelCheckTest, DoubleVerticesAreCheckedAsWell) {
+    const osg::ref_ptr<osg::Vec3dArray> doubles = new osg::Vec3dArray(4);
+    (*doubles)[1].x() = 1e300;
+    (*doubles)[2].x() = 5e5;
+    m_quad->setVertexArray(doubles);
+    EXPECT_EQ(checkModel(*m_geode), std::nullopt);
+    EXPECT_TRUE(std::isnan((*doubles)[1].x()));
+    EXPECT_EQ((*doubles)[2].x(), 5e5);
+    EXPECT_FALSE(keeps(new osg::DrawArrays(GL_POINTS, 0, 5)));
+}
+
+TEST_F(ModelCheckTest, WhatStandsUnderATransformWithoutNumbersIsLeftOut) {
+    osg::Matrixd matrix;
+    matrix(1, 2) = static_cast<double>(notANumber);
+    const osg::ref_ptr<osg::MatrixTransform> first = new osg::MatrixTransform(matrix);
+    first->addChild(m_geode);
+    const osg::ref_ptr<osg::PositionAttitudeTransform> second = new osg::PositionAttitudeTransform;
+    second->setScale(osg::Vec3d(1, static_cast<double>(infinite), 1));
+    second->addChild(m_geode);
+    const osg::ref_ptr<osg::Group> model = new osg::Group;
+    model->addChild(first);
+    model->addChild(second);
+    EXPECT_EQ(checkModel(*model), std::nullopt);
+    EXPECT_EQ(first->getNumChildren(), 0u);
+    EXPECT_EQ(second->getNumChildren(), 0u);
+}
+
+TEST_F(ModelCheckTest, TransformThatFlattensEverythingStays) {
+    const osg::ref_ptr<osg::MatrixTransform> transform =
+        new osg::MatrixTransform(osg::Matrixd::scale(0, 0, 0));
+    transform->addChild(m_geode);
+    EXPECT_EQ(checkModel(*transform), std::nullopt);
+    EXPECT_EQ(transform->getNumChildren(), 1u);
+}
+
+TEST_F(ModelCheckTest, BoundsWithoutNumbersAreForgotten) {
+    const osg::ref_ptr<osg::LOD> lod = new osg::LOD;
+    lod->addChild(m_geode, 0, 1e9f);
+    lod->setCenter(osg::Vec3(notANumber, 0, 0));
+    lod->setRadius(infinite);
+    lod->setInitialBound(osg::BoundingSphere(osg::Vec3(), infinite));
+    EXPECT_EQ(checkModel(*lod), std::nullopt);
+    EXPECT_LT(lod->getBound().radius(), 2.0f);
+    EXPECT_TRUE(lod->getBound().valid());
+}
+
+TEST_F(ModelCheckTest, ModelThatContainsItselfIsRefused) {
+    const osg::ref_ptr<osg::Group> outer = new osg::Group;
+    const osg::ref_ptr<osg::Group> inner = new osg::Group;
+    outer->addChild(inner);
+    inner->addChild(m_geode);
+    inner->addChild(outer);
+    EXPECT_NE(checkModel(*outer), std::nullopt);
+    EXPECT_EQ(outer->referenceCount(), 1);
+    EXPECT_EQ(inner->referenceCount(), 1);
+}
+
+TEST_F(ModelCheckTest, ModelIsAllowedToBeDeepAndNotDeeper) {
+    EXPECT_EQ(checkModel(*chainOf(deepestModel)), std::nullopt);
+    EXPECT_NE(checkModel(*chainOf(deepestModel + 1)), std::nullopt);
+}
+
+TEST_F(ModelCheckTest, VeryDeepModelIsRefusedAndDeleted) {
+    // Deleted one inside the other these would need more stack than there is.
+    EXPECT_NE(checkModel(*chainOf(1'000'000)), std::nullopt);
+}
+
+TEST_F(ModelCheckTest, DepthCountsThroughSharedNodes) {
+    const osg::ref_ptr<osg::Group> shared = chainOf(deepestModel - 10);
+    const osg::ref_ptr<osg::Group> model = new osg::Group;
+    model->addChild(shared);
+    const osg::ref_ptr<osg::Group> lower = chainOf(20);
+    osg::Group* lowest = lower;
+    while (lowest->getNumChildren() > 0)
+        lowest = lowest->getChild(0)->asGroup();
+    lowest->addChild(shared);
+    model->addChild(lower);
+    EXPECT_NE(checkModel(*model), std::nullopt);
+}
+
+TEST_F(ModelCheckTest, SharedNodesAreFine) {
+    const osg::ref_ptr<osg::Group> model = new osg::Group;
+    for (int i = 0; i < 1000; ++i)
+        model->addChild(m_geode);
+    EXPECT_EQ(checkModel(*model), std::nullopt);
+    EXPECT_EQ(model->getNumChildren(), 1000u);
+}
+
+TEST_F(ModelCheckTest, TooManyPathsAreRefused) {
+    osg::ref_ptr<osg::Group> model = new osg::Group;
+    for (int i = 0; i < 60; ++i) {
+        const osg::ref_ptr<osg::Group> next = new osg::Group;
+        next->addChild(model);
+        next->addChild(model);
+        model = next;
+    }
+    EXPECT_NE(checkModel(*model), std::nullopt);
+}
+
+} // namespace orbisk::test
