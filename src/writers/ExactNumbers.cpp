@@ -12,9 +12,11 @@ namespace orbisk {
 
 namespace {
 
-constexpr int significantDigits = std::numeric_limits<double>::max_digits10;
-constexpr int mostNeighbours = 8;
-constexpr std::size_t longestText = 48; ///< of what is written in scientific notation
+/// Digits before the point of the mantissas that are tried.
+constexpr int leastMantissaDigits = 1;
+constexpr int mostMantissaDigits = 22;
+constexpr int neighbours = 3;
+constexpr std::size_t longestText = 48; ///< of the shortest text, and of a whole mantissa
 
 using Text = std::array<char, longestText>;
 
@@ -26,62 +28,46 @@ void writeShortest(double number, Text& text) {
     *std::to_chars(text.data(), text.data() + text.size() - 1, number).ptr = '\0';
 }
 
-void writeAllDigits(double number, std::chars_format format, Text& text) {
-    const auto end = std::to_chars(text.data(), text.data() + text.size() - 1, number, format,
-                                   significantDigits);
-    *(end.ec == std::errc() ? end.ptr : text.data()) = '\0';
-}
-
-/// The digits without a point, the exponent according: "12345e-3".
-void writeWholeMantissa(double number, Text& text) {
-    Text scientific;
-    char* end = std::to_chars(scientific.data(), scientific.data() + scientific.size() - 1, number,
-                              std::chars_format::scientific)
-                    .ptr;
-    const char* mark = std::find(scientific.data(), end, 'e');
-    const char* point = std::find(static_cast<const char*>(scientific.data()), mark, '.');
-    char* out = std::copy(static_cast<const char*>(scientific.data()), point, text.data());
-    int exponent = 0;
-    const char* digits = mark + (mark[1] == '+' ? 2 : 1);
-    std::from_chars(digits, end, exponent);
-    if (point != mark) {
-        out = std::copy(point + 1, mark, out);
-        exponent -= static_cast<int>(mark - point) - 1;
-    }
-    *out++ = 'e';
-    *std::to_chars(out, text.data() + text.size() - 1, exponent).ptr = '\0';
-}
-
-/// Looks for a text near `number` that is read as `wanted`.
-bool findText(double number, double wanted, Text& text) {
-    writeShortest(number, text);
-    if (readsAs(text, wanted))
-        return true;
-    writeWholeMantissa(number, text);
-    if (readsAs(text, wanted))
-        return true;
-    for (const auto format : {std::chars_format::general, std::chars_format::scientific}) {
-        writeAllDigits(number, format, text);
-        if (readsAs(text, wanted))
+/// Tries the numbers about `number` times a power of ten, to be multiplied by its inverse
+/// ("49399.487e1"). Every power makes the reader's errors fall differently, and where the product's
+/// mantissa is the greater one the products lie denser than the doubles do: with a score of powers
+/// one of them is the wanted number.
+bool findScaled(double number, int mantissaDigits, Text& text) {
+    const int exponent =
+        static_cast<int>(std::floor(std::log10(std::fabs(number)))) + 1 - mantissaDigits;
+    double mantissa = number / std::pow(10.0, exponent);
+    for (int i = 0; i < neighbours; ++i)
+        mantissa = std::nextafter(mantissa, -std::numeric_limits<double>::infinity());
+    for (int i = -neighbours; i <= neighbours; ++i) {
+        char* end = std::to_chars(text.data(), text.data() + text.size(), mantissa,
+                                  std::chars_format::fixed)
+                        .ptr;
+        *end++ = 'e';
+        *std::to_chars(end, text.data() + text.size() - 1, exponent).ptr = '\0';
+        if (readsAs(text, number))
             return true;
+        mantissa = std::nextafter(mantissa, std::numeric_limits<double>::infinity());
     }
     return false;
+}
+
+/// Whether powers of ten that scale the number to a whole one are finite and not 0.
+bool canBeScaled(double number) {
+    constexpr double least = 1e-250;
+    constexpr double most = 1e250;
+    return std::isfinite(number) && std::fabs(number) > least && std::fabs(number) < most;
 }
 
 } // namespace
 
 std::string exactText(double number) {
     Text text;
-    if (std::isfinite(number)) {
-        double above = number;
-        double below = number;
-        for (int i = 0; i <= mostNeighbours; ++i) {
-            if (findText(above, number, text) || (i > 0 && findText(below, number, text)))
-                return text.data();
-            above = std::nextafter(above, std::numeric_limits<double>::infinity());
-            below = std::nextafter(below, -std::numeric_limits<double>::infinity());
-        }
-    }
+    writeShortest(number, text);
+    if (!canBeScaled(number) || readsAs(text, number))
+        return text.data();
+    for (int digits = leastMantissaDigits; digits <= mostMantissaDigits; ++digits)
+        if (findScaled(number, digits, text))
+            return text.data();
     writeShortest(number, text);
     return text.data();
 }

@@ -14,7 +14,7 @@ namespace orbisk::test {
 
 namespace {
 
-constexpr int cases = 20000;
+constexpr int cases = 200000;
 
 bool readBack(double number) {
     const double read = osg::asciiToDouble(exactText(number).c_str());
