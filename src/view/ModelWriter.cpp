@@ -4,6 +4,7 @@
 #include "platform/FileReplacement.h"
 #include "view/ImagesBeside.h"
 #include "view/ModelReader.h"
+#include "view/OutsideFiles.h"
 #include "writers/ExactNumbers.h"
 #include "writers/ModelContents.h"
 #include "writers/ObjWriter.h"
@@ -160,6 +161,7 @@ bool writeFiles(osg::Node& model, const std::string& path, const std::string& so
     ImagesBeside images(path, sourceFolder);
     if (!images.place(model))
         return false;
+    const OutsideFiles references(model, path, sourceFolder);
     const std::string extension = osgDB::getLowerCaseFileExtension(path);
     const bool written =
         extension == "obj" ? writeObjFiles(model, path) : writeOther(model, path, extension);

@@ -51,11 +51,10 @@ bool findScaled(double number, int mantissaDigits, Text& text) {
     return false;
 }
 
-/// Whether powers of ten that scale the number to a whole one are finite and not 0.
+/// Whether the powers of ten that scale the number are finite and not 0.
 bool canBeScaled(double number) {
-    constexpr double least = 1e-250;
-    constexpr double most = 1e250;
-    return std::isfinite(number) && std::fabs(number) > least && std::fabs(number) < most;
+    constexpr double least = 1e-280;
+    return std::isfinite(number) && std::fabs(number) > least;
 }
 
 } // namespace

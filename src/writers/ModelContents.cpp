@@ -40,8 +40,10 @@ protected:
         for (std::size_t i = 2; i < count; ++i) {
             const osg::Vec3d normal =
                 (world(corners[i - 1]) - origin) ^ (world(corners[i]) - origin);
+            const double doubleArea = normal.length();
             ++m_contents.triangles;
-            m_contents.area += 0.5 * normal.length();
+            m_contents.flatTriangles += doubleArea == 0.0 ? 1 : 0;
+            m_contents.area += 0.5 * doubleArea;
         }
     }
 

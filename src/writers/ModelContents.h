@@ -9,7 +9,8 @@ namespace orbisk {
 
 /// What a model consists of, in world coordinates.
 struct ModelContents {
-    std::size_t triangles = 0; ///< a quad counts two, a polygon as many as a fan of it
+    std::size_t triangles = 0;     ///< a quad counts two, a polygon as many as a fan of it
+    std::size_t flatTriangles = 0; ///< those among them that have no area
     std::size_t lines = 0;
     std::size_t points = 0;
     double area = 0.0;     ///< of the triangles
