@@ -54,12 +54,21 @@ bool findScaled(double number, int mantissaDigits, Text& text) {
 /// Whether the powers of ten that scale the number are finite and not 0.
 bool canBeScaled(double number) {
     constexpr double least = 1e-280;
-    return std::isfinite(number) && std::fabs(number) > least;
+    return std::fabs(number) > least;
+}
+
+/// The reader takes words for 0, but computes with powers that are too large for it.
+const char* notFinite(double number) {
+    if (std::isnan(number))
+        return "0e999";
+    return number > 0.0 ? "1e999" : "-1e999";
 }
 
 } // namespace
 
 std::string exactText(double number) {
+    if (!std::isfinite(number))
+        return notFinite(number);
     Text text;
     writeShortest(number, text);
     if (!canBeScaled(number) || readsAs(text, number))

@@ -8,7 +8,7 @@ namespace orbisk {
 /// The shortest text that the scene-graph library's own number reader (`osg::asciiToDouble`, which
 /// multiplies and adds digit by digit and so errs in the last places) turns into this very number;
 /// where there is none among the texts that are tried, one it reads as a neighbour. What is not
-/// finite has no such text: the library reads 0 for it.
+/// finite stays so.
 std::string exactText(double number);
 
 /// The facet that makes a stream write every floating-point number by `exactText`, whatever the

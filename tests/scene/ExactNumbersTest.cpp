@@ -92,11 +92,15 @@ TEST(ExactNumbersTest, GreatestNumbersStayFinite) {
     EXPECT_TRUE(readBack(static_cast<double>(std::numeric_limits<float>::min())));
 }
 
-TEST(ExactNumbersTest, WhatIsNotFiniteHasSomeTextAndNoEndlessSearch) {
-    EXPECT_EQ(exactText(std::numeric_limits<double>::infinity()), "inf");
-    EXPECT_EQ(exactText(-std::numeric_limits<double>::infinity()), "-inf");
-    EXPECT_EQ(exactText(std::nan("")), "nan");
-    EXPECT_FALSE(exactText(std::numeric_limits<double>::denorm_min()).empty());
+// The library reads words as 0.
+TEST(ExactNumbersTest, WhatIsNotFiniteStaysSo) {
+    EXPECT_TRUE(readBack(std::numeric_limits<double>::infinity()));
+    EXPECT_TRUE(readBack(-std::numeric_limits<double>::infinity()));
+    EXPECT_TRUE(std::isnan(osg::asciiToDouble(exactText(std::nan("")).c_str())));
+}
+
+TEST(ExactNumbersTest, SmallestNumbersHaveSomeTextAndNoEndlessSearch) {
+    EXPECT_EQ(exactText(std::numeric_limits<double>::denorm_min()), "5e-324");
 }
 
 TEST(ExactNumbersTest, StreamWritesBothKindsWhateverItsPrecision) {
