@@ -5,6 +5,7 @@
 #include "view/ImagesBeside.h"
 #include "view/ModelReader.h"
 #include "view/OutsideFiles.h"
+#include "view/PreciseDrawing.h"
 #include "writers/ExactNumbers.h"
 #include "writers/ModelContents.h"
 #include "writers/ObjWriter.h"
@@ -175,6 +176,7 @@ bool writeFiles(osg::Node& model, const std::string& path, const std::string& so
 bool writeModel(osg::Node& model, ModelUpdateCallback* callback, const std::string& path,
                 const std::string& sourceFolder) {
     const CallbackOff withoutCallback(model, callback);
+    const PreciseDrawingOff withoutDrawing(model);
     try {
         if (writeFiles(model, path, sourceFolder))
             return true;
