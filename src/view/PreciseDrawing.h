@@ -15,8 +15,8 @@ namespace orbisk {
 /// nothing of it. Main thread, while nothing draws the model; may be called again.
 void drawPrecisely(osg::Node& model);
 
-/// Keeps the optimiser from working large offsets into vertices in single precision, as which they
-/// would be rounded like that for good: those of transforms that stand below no other. Before the
+/// Keeps the optimiser from working large offsets into vertices in single precision, which would
+/// round them for good: the offsets of transforms with no other above or below. Before the
 /// optimiser runs.
 void keepLargeOffsets(osg::Node& model);
 

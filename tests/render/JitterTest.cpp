@@ -54,7 +54,11 @@ osg::ref_ptr<osg::Node> offsetModel() {
     const osg::ref_ptr<osg::Geometry> geometry =
         makeGeometry({offsets.begin(), offsets.end()}, allTriangles());
     paintRed(*geometry);
-    model->addChild(transformed(geometry, osg::Matrixd::translate(corner)));
+    const osg::ref_ptr<osg::Node> transform =
+        transformed(geometry, osg::Matrixd::translate(corner));
+    // Of such the optimiser would make floats.
+    transform->setDataVariance(osg::Object::STATIC);
+    model->addChild(transform);
     return model;
 }
 
