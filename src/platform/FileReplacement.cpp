@@ -1,6 +1,7 @@
 #include "platform/FileReplacement.h"
 
 #include <fstream>
+#include <string>
 #include <system_error>
 
 namespace orbisk {
@@ -24,6 +25,20 @@ fs::path targetOf(fs::path path) {
     return path;
 }
 
+/// A name beside `target` that nothing has yet.
+fs::path freeNameBeside(const fs::path& target) {
+    std::error_code error;
+    fs::path candidate;
+    int number = 0;
+    do {
+        candidate = target.parent_path() / target.stem();
+        candidate += number == 0 ? ".new" : ".new" + std::to_string(number);
+        candidate += target.extension();
+        ++number;
+    } while (fs::exists(fs::symlink_status(candidate, error)));
+    return candidate;
+}
+
 bool mayBeWritten(const fs::path& target) {
     std::error_code error;
     if (!fs::exists(target, error))
@@ -40,23 +55,28 @@ bool writeWhole(const fs::path& path, std::string_view bytes) {
 
 } // namespace
 
-bool replaceFile(const fs::path& path, std::string_view bytes) {
-    const fs::path target = targetOf(path);
-    if (!mayBeWritten(target))
-        return false;
-    fs::path beside = target;
-    beside += ".new";
+FileReplacement::FileReplacement(const fs::path& path)
+    : m_target(targetOf(path)), m_temporary(freeNameBeside(m_target)) {}
+
+FileReplacement::~FileReplacement() {
     std::error_code error;
-    if (writeWhole(beside, bytes)) {
-        const fs::file_status former = fs::status(target, error);
-        if (fs::exists(former))
-            fs::permissions(beside, former.permissions(), error);
-        fs::rename(beside, target, error);
-        if (!error)
-            return true;
-    }
-    fs::remove(beside, error);
-    return false;
+    fs::remove(m_temporary, error);
+}
+
+bool FileReplacement::commit() {
+    std::error_code error;
+    if (!fs::is_regular_file(m_temporary, error) || !mayBeWritten(m_target))
+        return false;
+    const fs::file_status former = fs::status(m_target, error);
+    if (fs::exists(former))
+        fs::permissions(m_temporary, former.permissions(), error);
+    fs::rename(m_temporary, m_target, error);
+    return !error;
+}
+
+bool replaceFile(const fs::path& path, std::string_view bytes) {
+    FileReplacement replacement(path);
+    return writeWhole(replacement.temporary(), bytes) && replacement.commit();
 }
 
 } // namespace orbisk

@@ -1,23 +1,27 @@
 #include "view/ModelWriter.h"
 
-#include <osg/Image>
-#include <osg/NodeVisitor>
+#include "platform/CheckedFile.h"
+#include "platform/FileReplacement.h"
+#include "view/ImagesBeside.h"
+#include "view/ModelReader.h"
+#include "view/OutsideFiles.h"
+#include "view/PreciseDrawing.h"
+#include "writers/ExactNumbers.h"
+#include "writers/ModelContents.h"
+#include "writers/ObjWriter.h"
+#include "writers/SinglePrecision.h"
+
 #include <osg/Notify>
-#include <osg/StateSet>
-#include <osg/Texture>
 #include <osgDB/FileNameUtils>
-#include <osgDB/FileUtils>
 #include <osgDB/Options>
 #include <osgDB/Registry>
 #include <osgDB/WriteFile>
 
+#include <array>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
+#include <locale>
 #include <system_error>
-#include <vector>
 
 namespace orbisk {
 
@@ -25,115 +29,39 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr const char* imageFileForUnnamed = "image.png";
-constexpr const char* fallbackExtension = "png";
+using WriteResult = osgDB::ReaderWriter::WriteResult;
 
-/// Gathers the images of all textures of a subtree, each once, in the order of their first use.
-class ImageCollector : public osg::NodeVisitor {
-public:
-    ImageCollector() : osg::NodeVisitor(TRAVERSE_ALL_CHILDREN) {}
+constexpr const char* optionText = "WriteImageHint=UseExternal";
 
-    void apply(osg::Node& node) override {
-        if (const osg::StateSet* state = node.getStateSet())
-            collectFrom(*state);
-        traverse(node);
-    }
-
-    std::vector<osg::Image*> images;
-
-private:
-    void collectFrom(const osg::StateSet& state) {
-        for (const auto& unit : state.getTextureAttributeList())
-            for (const auto& attribute : unit)
-                if (osg::Texture* texture = attribute.second.first->asTexture())
-                    for (unsigned int i = 0; i < texture->getNumImages(); ++i)
-                        collect(texture->getImage(i));
-    }
-
-    void collect(osg::Image* image) {
-        if (image && m_known.insert(image).second)
-            images.push_back(image);
-    }
-
-    std::set<osg::Image*> m_known;
+/// How the library is made to keep a format's whole contents.
+struct FormatRules {
+    const char* extension;
+    const char* furtherOptions; ///< to its writer
+    const char* fileType;       ///< what its writer is told where it cannot see the extension
+    bool native; ///< keeps whatever a model can have, so what was written need not be looked at
 };
 
-std::string bytesOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+/// The formats whose writers write into a stream, which can be given all digits and be watched.
+constexpr std::array streamedFormats = {
+    FormatRules{"osgb", "", "Binary", true},
+    FormatRules{"osgt", "", "Ascii", true},
+    FormatRules{"osg", " precision 17", "", true},
+    FormatRules{"ive", "", "", true},
+    FormatRules{"dxf", "", "", false},
+    // Without it the names of the images are cut to eight characters.
+    FormatRules{"3ds", " extended3dsFilePaths", "", false},
+};
 
-/// Puts a model's images beside the file it is written to, and takes their former names back.
-class ImagesBeside {
+/// Of the area that a model had, as much has to be there again in a file of a foreign format.
+constexpr double leastAreaShare = 0.99;
+
+/// Keeps writers from writing images: they stand beside the model already, and theirs would take
+/// the place of the original files.
+class NoImages : public osgDB::WriteFileCallback {
 public:
-    /// @param path of the model that is written.
-    ImagesBeside(const std::string& path, const std::string& sourceFolder)
-        : m_folder(path.substr(0, path.size() - osgDB::getSimpleFileName(path).size())),
-          m_lookup(new osgDB::Options) {
-        m_lookup->getDatabasePathList().push_front(sourceFolder);
+    WriteResult writeImage(const osg::Image&, const std::string&, const osgDB::Options*) override {
+        return WriteResult::FILE_SAVED;
     }
-
-    void place(osg::Node& model) {
-        ImageCollector collector;
-        model.accept(collector);
-        for (osg::Image* image : collector.images) {
-            m_formerNames.emplace_back(image, image->getFileName());
-            image->setFileName(place(*image));
-        }
-    }
-
-    ~ImagesBeside() {
-        for (const auto& [image, name] : m_formerNames)
-            image->setFileName(name);
-    }
-
-    ImagesBeside(const ImagesBeside&) = delete;
-    ImagesBeside& operator=(const ImagesBeside&) = delete;
-
-private:
-    /// Writes the image unless it stands in the folder already; gives its name there.
-    std::string place(const osg::Image& image) {
-        const std::string source = osgDB::findDataFile(image.getFileName(), m_lookup.get());
-        std::string wanted = osgDB::getSimpleFileName(image.getFileName());
-        if (wanted.empty())
-            wanted = imageFileForUnnamed;
-        if (source.empty() && !canWrite(wanted))
-            wanted = osgDB::getNameLessExtension(wanted) + "." + fallbackExtension;
-        std::string name = wanted;
-        for (int copy = 1; !isFree(name, source); ++copy)
-            name = osgDB::getNameLessExtension(wanted) + "_" + std::to_string(copy) + "." +
-                   osgDB::getFileExtension(wanted);
-        m_taken.insert(name);
-        const std::string target = m_folder + name;
-        std::error_code error;
-        if (!source.empty())
-            fs::copy_file(source, target, fs::copy_options::skip_existing, error);
-        else
-            osgDB::writeImageFile(image, target);
-        return name;
-    }
-
-    static bool canWrite(const std::string& name) {
-        return osgDB::Registry::instance()->getReaderWriterForExtension(
-                   osgDB::getLowerCaseFileExtension(name)) != nullptr;
-    }
-
-    /// A name is free when no other image of this model has it and no other picture stands there.
-    bool isFree(const std::string& name, const std::string& source) const {
-        if (m_taken.count(name))
-            return false;
-        const fs::path target = m_folder + name;
-        std::error_code error;
-        if (!fs::exists(target, error))
-            return true;
-        return !source.empty() &&
-               (fs::equivalent(source, target, error) || bytesOf(source) == bytesOf(target));
-    }
-
-    std::string m_folder; ///< with its separator, in the local encoding
-    osg::ref_ptr<osgDB::Options> m_lookup;
-    std::set<std::string> m_taken;
-    std::vector<std::pair<osg::ref_ptr<osg::Image>, std::string>> m_formerNames;
 };
 
 /// Takes the program's callback off the model while it is written.
@@ -158,16 +86,101 @@ private:
     osg::ref_ptr<ModelUpdateCallback> m_callback;
 };
 
+osg::ref_ptr<osgDB::Options> makeOptions() {
+    osg::ref_ptr<osgDB::Options> options = new osgDB::Options(optionText);
+    options->setWriteFileCallback(new NoImages);
+    return options;
+}
+
+const FormatRules* streamedFormat(const std::string& extension) {
+    for (const FormatRules& rules : streamedFormats)
+        if (extension == rules.extension)
+            return &rules;
+    return nullptr;
+}
+
+bool writeStreamed(const osg::Node& model, const fs::path& file, const FormatRules& rules) {
+    osgDB::ReaderWriter* writer =
+        osgDB::Registry::instance()->getReaderWriterForExtension(rules.extension);
+    if (!writer)
+        return false;
+    const osg::ref_ptr<osgDB::Options> options = makeOptions();
+    options->setOptionString(options->getOptionString() + rules.furtherOptions);
+    options->setPluginStringData("fileType", rules.fileType);
+    CheckedFile checked(file);
+    checked.stream().imbue(std::locale(std::locale::classic(), new ExactNumbers));
+    return writer->writeNode(model, checked.stream(), options).success() && checked.finish();
+}
+
+bool writeByName(const osg::Node& model, const fs::path& file) {
+    return osgDB::writeNodeFile(model, file.string(), makeOptions());
+}
+
+/// Whether a file that some writer called done holds the model.
+bool holdsModel(const fs::path& file, osg::Node& model) {
+    std::error_code error;
+    if (!fs::is_regular_file(file, error) || fs::file_size(file, error) == 0)
+        return false;
+    const osg::ref_ptr<osg::Node> written = readModel(file.string());
+    if (!written)
+        return false;
+    const ModelContents wanted = contentsOf(model);
+    const ModelContents found = contentsOf(*written);
+    return !found.empty() && found.area >= leastAreaShare * wanted.area;
+}
+
+/// The materials' file takes the model's name: a model and its materials belong together.
+bool writeObjFiles(osg::Node& model, const fs::path& path) {
+    fs::path materialPath = path;
+    materialPath.replace_extension(".mtl");
+    FileReplacement obj(path);
+    FileReplacement materials(materialPath);
+    CheckedFile objFile(obj.temporary());
+    CheckedFile materialFile(materials.temporary());
+    for (CheckedFile* file : {&objFile, &materialFile})
+        file->stream().imbue(std::locale::classic());
+    if (!writeObj(model, objFile.stream(), materialFile.stream(), materialPath.filename().string()))
+        return false;
+    const bool noMaterials = materialFile.stream().tellp() == std::streampos(0);
+    if (!objFile.finish() || (!materialFile.finish() && !noMaterials))
+        return false;
+    return (noMaterials || materials.commit()) && obj.commit();
+}
+
+bool writeOther(osg::Node& model, const fs::path& path, const std::string& extension) {
+    FileReplacement replacement(path);
+    const FormatRules* rules = streamedFormat(extension);
+    if (rules && rules->native)
+        return writeStreamed(model, replacement.temporary(), *rules) && replacement.commit();
+    const osg::ref_ptr<osg::Node> singles = inSinglePrecision(model);
+    const bool written = rules ? writeStreamed(*singles, replacement.temporary(), *rules)
+                               : writeByName(*singles, replacement.temporary());
+    return written && holdsModel(replacement.temporary(), *singles) && replacement.commit();
+}
+
+bool writeFiles(osg::Node& model, const std::string& path, const std::string& sourceFolder) {
+    ImagesBeside images(path, sourceFolder);
+    if (!images.place(model))
+        return false;
+    const OutsideFiles references(model, path, sourceFolder);
+    const std::string extension = osgDB::getLowerCaseFileExtension(path);
+    const bool written =
+        extension == "obj" ? writeObjFiles(model, path) : writeOther(model, path, extension);
+    if (written)
+        images.keep();
+    return written;
+}
+
 } // namespace
 
 bool writeModel(osg::Node& model, ModelUpdateCallback* callback, const std::string& path,
                 const std::string& sourceFolder) {
-    const osg::ref_ptr<osgDB::Options> options = new osgDB::Options("WriteImageHint=UseExternal");
     const CallbackOff withoutCallback(model, callback);
+    const PreciseDrawingOff withoutDrawing(model);
     try {
-        ImagesBeside images(path, sourceFolder);
-        images.place(model);
-        return osgDB::writeNodeFile(model, path, options.get());
+        if (writeFiles(model, path, sourceFolder))
+            return true;
+        OSG_WARN << "Writing " << path << " failed." << std::endl;
     } catch (const std::exception& failure) {
         OSG_WARN << "Writing " << path << " failed: " << failure.what() << std::endl;
     } catch (...) {

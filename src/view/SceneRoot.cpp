@@ -1,6 +1,7 @@
 #include "view/SceneRoot.h"
 
 #include "settings/RoamParameters.h"
+#include "view/PreciseDrawing.h"
 #include "view/Skybox.h"
 
 #include <osg/Group>
@@ -93,7 +94,9 @@ HomeView SceneRoot::rebuild(osg::Node& model, osg::Camera& camera, bool skyShown
     for (unsigned int i = 0; i < emptyRootGroups; ++i)
         m_root->addChild(new osg::Group);
     addLights(radius);
+    keepLargeOffsets(model);
     osgUtil::Optimizer().optimize(m_root.get());
+    drawPrecisely(model);
     ImageKeeper keeper;
     m_root->accept(keeper);
     return home;

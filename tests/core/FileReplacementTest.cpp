@@ -104,6 +104,37 @@ TEST_F(FileReplacementTest, FullDiskMakesNoPartOfANewFile) {
     EXPECT_TRUE(entriesOf(m_folder.path()).empty());
 }
 
+TEST_F(FileReplacementTest, WhatIsNotCommittedGoes) {
+    writeFile(m_file, "old");
+    {
+        const FileReplacement replacement(m_file);
+        writeFile(replacement.temporary(), "new");
+        EXPECT_EQ(readFile(m_file), "old");
+    }
+    EXPECT_EQ(readFile(m_file), "old");
+    EXPECT_EQ(entriesOf(m_folder.path()), std::set<std::string>{"file.txt"});
+}
+
+TEST_F(FileReplacementTest, NothingWrittenIsNotCommitted) {
+    writeFile(m_file, "old");
+    FileReplacement replacement(m_file);
+    EXPECT_FALSE(replacement.commit());
+    EXPECT_EQ(readFile(m_file), "old");
+}
+
+TEST_F(FileReplacementTest, TemporaryFileHasTheExtensionAndTakesNobodysName) {
+    writeFile(m_folder.path() / "file.new.txt", "somebody's");
+    {
+        FileReplacement replacement(m_file);
+        EXPECT_EQ(replacement.temporary().extension(), ".txt");
+        EXPECT_EQ(replacement.temporary().parent_path(), m_folder.path());
+        writeFile(replacement.temporary(), "new");
+        EXPECT_TRUE(replacement.commit());
+    }
+    EXPECT_EQ(readFile(m_file), "new");
+    EXPECT_EQ(readFile(m_folder.path() / "file.new.txt"), "somebody's");
+}
+
 TEST_F(FileReplacementTest, WriteProtectedFileStays) {
     writeFile(m_file, "old");
     fs::permissions(m_file, fs::perms::owner_read);

@@ -79,6 +79,15 @@ protected:
         return images;
     }
 
+    /// Has the test's plug-in write a file, and read from it what was written.
+    void letItWrite(const PluginInTest& plugin) {
+        plugin->onWrite = [](const osg::Node&, const std::string& file) {
+            writeFile(file, "a model");
+            return osgDB::ReaderWriter::WriteResult(osgDB::ReaderWriter::WriteResult::FILE_SAVED);
+        };
+        plugin->onRead = [this] { return osgDB::ReaderWriter::ReadResult(m_model.get()); };
+    }
+
     static std::set<std::string> filesIn(const fs::path& folder) {
         std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder))
@@ -273,12 +282,11 @@ TEST_F(ModelWriterTest, ImageOfAFormatThatCannotBeWrittenBecomesAPng) {
 
 TEST_F(ModelWriterTest, WriterIsToldToLeaveImagesOutside) {
     const PluginInTest plugin;
-    plugin->onWrite = [](const osg::Node&) {
-        return osgDB::ReaderWriter::WriteResult(osgDB::ReaderWriter::WriteResult::FILE_SAVED);
-    };
+    letItWrite(plugin);
     addQuad(nullptr);
     EXPECT_TRUE(write(scriptedFile));
-    EXPECT_EQ(plugin->optionTexts, std::vector<std::string>{"WriteImageHint=UseExternal"});
+    ASSERT_FALSE(plugin->optionTexts.empty());
+    EXPECT_EQ(plugin->optionTexts.front(), "WriteImageHint=UseExternal");
 }
 
 TEST_F(ModelWriterTest, WriterSeesTheModelWithoutCallbackAndWithItsNewNames) {
@@ -287,15 +295,19 @@ TEST_F(ModelWriterTest, WriterSeesTheModelWithoutCallbackAndWithItsNewNames) {
     addQuad(texture);
     m_callback->attachTo(*m_model);
     Frames().update(*m_model);
-    plugin->onWrite = [&](const osg::Node& node) {
+    letItWrite(plugin);
+    int calls = 0;
+    const auto writeAnything = plugin->onWrite;
+    plugin->onWrite = [&](const osg::Node& node, const std::string& file) {
+        ++calls;
         EXPECT_EQ(&node, m_model.get());
         EXPECT_EQ(node.getUpdateCallback(), nullptr);
         EXPECT_EQ(node.getComputeBoundingSphereCallback(), nullptr);
         EXPECT_EQ(texture->getFileName(), "red.png");
-        return osgDB::ReaderWriter::WriteResult(osgDB::ReaderWriter::WriteResult::FILE_SAVED);
+        return writeAnything(node, file);
     };
     EXPECT_TRUE(write(scriptedFile));
-    EXPECT_EQ(plugin->optionTexts.size(), 1u);
+    EXPECT_EQ(calls, 1);
 }
 
 TEST_F(ModelWriterTest, MissingFolderFails) {
@@ -322,9 +334,13 @@ TEST_F(ModelWriterTest, WriterThatThrowsFails) {
     const osg::ref_ptr<osg::Image> texture = image(red, "deep/red.png");
     addQuad(texture);
     m_callback->attachTo(*m_model);
-    plugin->onWrite = [](const osg::Node&) -> Result { throw std::bad_alloc(); };
+    plugin->onWrite = [](const osg::Node&, const std::string&) -> Result {
+        throw std::bad_alloc();
+    };
     EXPECT_FALSE(write(scriptedFile));
-    plugin->onWrite = [](const osg::Node&) -> Result { throw std::runtime_error("disk full"); };
+    plugin->onWrite = [](const osg::Node&, const std::string&) -> Result {
+        throw std::runtime_error("disk full");
+    };
     EXPECT_FALSE(write(scriptedFile));
     EXPECT_EQ(texture->getFileName(), "deep/red.png");
     EXPECT_EQ(m_model->getUpdateCallback(), m_callback);
@@ -334,7 +350,9 @@ TEST_F(ModelWriterTest, WriterThatThrowsNoExceptionClassFails) {
     const PluginInTest plugin;
     addQuad(nullptr);
     m_callback->attachTo(*m_model);
-    plugin->onWrite = [](const osg::Node&) -> osgDB::ReaderWriter::WriteResult { throw 42; };
+    plugin->onWrite = [](const osg::Node&, const std::string&) -> osgDB::ReaderWriter::WriteResult {
+        throw 42;
+    };
     bool written = true;
     EXPECT_NO_THROW(written = write(scriptedFile));
     EXPECT_FALSE(written);

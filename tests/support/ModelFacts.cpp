@@ -2,9 +2,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <map>
-#include <optional>
 
 namespace orbisk::test {
 
@@ -28,17 +28,24 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
-/// One row under its table's headings; nothing where it tells of no readable model with a sphere.
+/// One row under its table's headings; nothing where it tells of no readable model.
 std::optional<ModelFacts> factsOf(const std::vector<std::string>& headings,
                                   const std::vector<std::string>& cells) {
     std::map<std::string, std::string> row;
     for (std::size_t i = 0; i < headings.size() && i < cells.size(); ++i)
         row[headings[i]] = cells[i];
     ModelFacts facts;
-    if (row["osgconv outcome"] != "ok" ||
-        std::sscanf(row["bounding sphere"].c_str(), "c %lf %lf %lf r %lf", &facts.center.x(),
-                    &facts.center.y(), &facts.center.z(), &facts.radius) != 4)
+    if (row["osgconv outcome"] != "ok")
         return std::nullopt;
+    if (std::sscanf(row["bounding sphere"].c_str(), "c %lf %lf %lf r %lf", &facts.center.x(),
+                    &facts.center.y(), &facts.center.z(), &facts.radius) != 4)
+        facts.radius = -1.0;
+    const std::string& counts = row["counts"];
+    if (const auto place = counts.find("tri "); place != std::string::npos)
+        facts.triangles = std::strtoul(counts.c_str() + place + std::strlen("tri "), nullptr, 10);
+    double area = 0.0;
+    if (std::sscanf(row["area as loaded"].c_str(), "%lf", &area) == 1)
+        facts.area = area;
     facts.file = row["file"];
     facts.bytes = std::strtol(row["bytes"].c_str(), nullptr, 10);
     return facts;

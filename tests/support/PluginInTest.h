@@ -35,7 +35,7 @@ public:
         if (!isOurs(file))
             return WriteResult::FILE_NOT_HANDLED;
         note(options);
-        return onWrite ? onWrite(node) : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
+        return onWrite ? onWrite(node, file) : WriteResult(WriteResult::ERROR_IN_WRITING_FILE);
     }
 
     WriteResult writeImage(const osg::Image&, const std::string& file,
@@ -46,7 +46,8 @@ public:
     }
 
     std::function<ReadResult()> onRead;
-    std::function<WriteResult(const osg::Node&)> onWrite;
+    /// Is given the name of the file that is to be written.
+    std::function<WriteResult(const osg::Node&, const std::string&)> onWrite;
     std::function<WriteResult()> onWriteImage;
     mutable std::vector<std::string> optionTexts;
 
