@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <initializer_list>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -68,7 +69,8 @@ class Tiles {
 public:
     /// Makes the tree, which takes minutes, unless the environment names one that is kept.
     Tiles() {
-        m_folder.writeSettings(windowWidth, windowHeight);
+        // The other side has no sky.
+        m_folder.writeSettings(windowWidth, windowHeight, false);
         const char* kept = std::getenv("ORBISK_TILE_TREE");
         m_tree = kept ? fs::path(kept) : m_folder.path() / "tree";
         if (!kept)

@@ -111,14 +111,12 @@ double FootprintMeter::serverResources() const {
     return static_cast<double>(count);
 }
 
-double medianOf(const std::vector<Footprint>& footprints, std::size_t begin, std::size_t end,
+double lowestOf(const std::vector<Footprint>& footprints, std::size_t begin, std::size_t end,
                 double Footprint::*field) {
-    std::vector<double> figures;
+    double lowest = footprints.at(begin).*field;
     for (std::size_t i = begin; i < end; ++i)
-        figures.push_back(footprints.at(i).*field);
-    const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
-    std::nth_element(figures.begin(), middle, figures.end());
-    return *middle;
+        lowest = std::min(lowest, footprints.at(i).*field);
+    return lowest;
 }
 
 } // namespace orbisk::test

@@ -46,8 +46,9 @@ private:
     int m_process;
 };
 
-/// The median of a figure over the footprints from `begin` on, without `end`.
-double medianOf(const std::vector<Footprint>& footprints, std::size_t begin, std::size_t end,
+/// The lowest of a figure over the footprints from `begin` on, without `end`: what leaks is in each
+/// of them, what is kept in store for a while is not.
+double lowestOf(const std::vector<Footprint>& footprints, std::size_t begin, std::size_t end,
                 double Footprint::*field);
 
 } // namespace orbisk::test

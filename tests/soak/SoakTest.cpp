@@ -156,8 +156,8 @@ protected:
         const std::size_t third = taken.size() / parts;
         const auto opens = static_cast<double>(third * modelCount);
         for (const FootprintFigure& figure : footprintFigures()) {
-            const double middle = medianOf(taken, third, 2 * third, figure.field);
-            const double last = medianOf(taken, 2 * third, taken.size(), figure.field);
+            const double middle = lowestOf(taken, third, 2 * third, figure.field);
+            const double last = lowestOf(taken, 2 * third, taken.size(), figure.field);
             const Bound& bound = boundOf(figure.field);
             std::printf("%s: %.0f in the middle third, %.0f in the last\n", figure.name, middle,
                         last);
@@ -190,8 +190,9 @@ TEST_F(SoakTest, HoldsNoMoreInTheEndThanInTheMiddle) {
         runFor(0.2);
         frame()->switchLanguage(languageEnglish);
         runFor(0.2);
-        // Each round ends with the same model, saved.
-        load(sample("valley.osgb"));
+        // Each round ends alike, and with a model that has no pictures: of large ones the renderer
+        // keeps some in store, now more, now fewer.
+        load(sample("assembly.osgt"));
         save("saved.osgb");
         taken.push_back(settled(meter));
         print(taken.size(), taken.back());
