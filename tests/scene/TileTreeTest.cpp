@@ -168,7 +168,7 @@ TEST_F(TileTreeTest, TilesThatGoTakeTheirTreesAlong) {
 }
 
 TEST_F(TileTreeTest, LongFlightKeepsNoMoreTreesThanAShortOne) {
-    constexpr int rounds = 30;
+    constexpr int rounds = 24;
     std::size_t mostEarly = 0;
     std::size_t mostLate = 0;
     for (int round = 0; round < rounds; ++round) {

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string>
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XRes.h>
@@ -24,6 +25,16 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr double bytesPerKibibyte = 1024.0;
+/// The drawing library keeps one for each opacity and each plain colour that it ever drew, up to
+/// some hundreds; the toolkit fades many things in and out.
+constexpr const char* storedByCairo = "PICTURE";
+
+std::string nameOf(Display* display, Atom atom) {
+    char* name = XGetAtomName(display, atom);
+    const std::string copy = name ? name : "";
+    XFree(name);
+    return copy;
+}
 
 double entryCount(const char* folder) {
     return static_cast<double>(
@@ -104,7 +115,8 @@ double FootprintMeter::serverResources() const {
         XResType* types = nullptr;
         XResQueryClientResources(m_display, clients[i].resource_base, &typeCount, &types);
         for (int k = 0; k < typeCount; ++k)
-            count += static_cast<long>(types[k].count);
+            if (nameOf(m_display, types[k].resource_type) != storedByCairo)
+                count += static_cast<long>(types[k].count);
         XFree(types);
     }
     XFree(clients);

@@ -14,7 +14,7 @@ struct Footprint {
     double residentKibibytes = 0.0; ///< in memory, after free pages were given back
     double threads = 0.0;
     double files = 0.0;
-    double serverResources = 0.0; ///< windows, pixmaps, contexts... that the X server keeps for it
+    double serverResources = 0.0; ///< windows, pixmaps, cursors... that the X server keeps
 };
 
 /// One figure of a footprint, by name.

@@ -44,7 +44,7 @@ struct Bound {
 };
 
 const Bound bounds[] = {
-    {&Footprint::heapKibibytes, 2.0, 256.0},  {&Footprint::residentKibibytes, 64.0, 16384.0},
+    {&Footprint::heapKibibytes, 2.0, 128.0},  {&Footprint::residentKibibytes, 64.0, 16384.0},
     {&Footprint::threads, 0.0, 1.0},          {&Footprint::files, 0.0, 1.0},
     {&Footprint::serverResources, 0.05, 4.0},
 };
