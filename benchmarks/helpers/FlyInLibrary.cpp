@@ -4,6 +4,7 @@
 // the program's roam does and prints how that went, see printFlight.
 
 #include "helpers/TileFlight.h"
+#include "view/SceneRoot.h"
 
 #include <osgDB/ReadFile>
 #include <osgGA/AnimationPathManipulator>
@@ -15,6 +16,22 @@ namespace {
 
 using orbisk::bench::Clock;
 using orbisk::bench::FlightLog;
+
+/// The model under the program's two lights: they cost per vertex.
+osg::ref_ptr<osg::Group> litAsInProgram(osg::Node& model) {
+    orbisk::SceneRoot scene;
+    const osg::ref_ptr<osg::Camera> anyCamera = new osg::Camera;
+    anyCamera->setViewport(0, 0, 1, 1);
+    scene.rebuild(model, *anyCamera, false);
+    osg::ref_ptr<osg::Group> lit = new osg::Group;
+    lit->addChild(&model);
+    for (const unsigned int light : {orbisk::SceneRoot::upperLight, orbisk::SceneRoot::lowerLight})
+        lit->addChild(scene.modelSwitch()->getChild(light));
+    for (const unsigned int mode : {GL_LIGHTING, GL_LIGHT0, GL_LIGHT1})
+        lit->getOrCreateStateSet()->setMode(mode, osg::StateAttribute::ON);
+    scene.clear();
+    return lit;
+}
 
 void flyFor(osgViewer::Viewer& viewer, std::chrono::duration<double> time) {
     const auto end = Clock::now() + time;
@@ -36,7 +53,7 @@ int main(int argc, char** argv) {
     const osg::ref_ptr<osg::Node> model = osgDB::readRefNodeFile(argv[1]);
     if (!model)
         return EXIT_FAILURE;
-    viewer.setSceneData(model);
+    viewer.setSceneData(litAsInProgram(*model));
     viewer.realize();
     const osg::ref_ptr<FlightLog> log = new FlightLog;
     viewer.getCamera()->getGraphicsContext()->setSwapCallback(log.get());
