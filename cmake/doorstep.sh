@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What the scripts on the doorstep (run, test, bench/run, .ci/run) have in common. Sourced, never run.
+# What the scripts on the doorstep (run, test, bench, .ci/run) have in common. Sourced, never run.
 #
 # The caller sets `set -euo pipefail` and calls doorstep_begin first. Notes go to standard error, so
 # that what a script prints as its result stays alone on standard output.

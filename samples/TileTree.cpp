@@ -5,6 +5,7 @@
 
 #include <osg/PagedLOD>
 
+#include <algorithm>
 #include <cfloat>
 #include <cmath>
 #include <stdexcept>
@@ -13,11 +14,9 @@ namespace samples {
 
 namespace {
 
-constexpr int kLevels = 3;
-/// Grid cells along the side of a tile, from the coarsest level to the finest.
-constexpr std::array<int, kLevels> kCells = {32, 40, 48};
-/// Pixels of the orthophoto that make one pixel of a tile's texture.
-constexpr std::array<int, kLevels> kReduction = {8, 4, 1};
+/// Pixels along the side of a tile's texture, where the orthophoto has that many for it.
+constexpr int kUsualTexture = 256;
+constexpr int kOrthoPixels = 2048;
 constexpr int kJpegQuality = 80;
 /// A tile is replaced by its children when it covers more pixels than this.
 constexpr float kRefineAtPixels = 520.0F;
@@ -43,9 +42,8 @@ struct TileAddress {
 /// The ground of one tile: a grid, and an apron around it that hides the gaps between levels.
 class TileGrid {
 public:
-    TileGrid(const Terrain& terrain, const TileAddress& address)
-        : m_terrain(terrain), m_address(address),
-          m_cells(kCells[static_cast<std::size_t>(address.level)]) {}
+    TileGrid(const Terrain& terrain, const TileAddress& address, int cells)
+        : m_terrain(terrain), m_address(address), m_cells(cells) {}
 
     Mesh mesh();
 
@@ -122,8 +120,8 @@ Mesh TileGrid::mesh() {
 /// Writes the files of a tile tree from the leaves up.
 class TileWriter {
 public:
-    TileWriter(const std::string& folder, const TileSource& source)
-        : m_folder(folder), m_source(source) {}
+    TileWriter(const std::string& folder, const TileSource& source, const TileLevels& levels)
+        : m_folder(folder), m_source(source), m_levels(levels) {}
 
     TileTreeResult write();
 
@@ -132,9 +130,16 @@ private:
     osg::ref_ptr<osg::Node> content(const TileAddress& address, const std::string& pathPrefix);
     void addObjects(MeshSet& set, const TileAddress& address) const;
     void writeChildren(const TileAddress& parent);
+    const TileLevel& levelOf(const TileAddress& address) const {
+        return m_levels[static_cast<std::size_t>(address.level)];
+    }
+    bool isFinest(const TileAddress& address) const {
+        return &levelOf(address) == &m_levels.back();
+    }
 
     std::string m_folder;
     const TileSource& m_source;
+    const TileLevels& m_levels;
     TileTreeResult m_result;
 };
 
@@ -163,7 +168,7 @@ void TileWriter::addObjects(MeshSet& set, const TileAddress& address) const {
 
 osg::ref_ptr<osg::Node> TileWriter::content(const TileAddress& address,
                                             const std::string& pathPrefix) {
-    const int factor = kReduction[static_cast<std::size_t>(address.level)];
+    const int factor = levelOf(address).reduction;
     const int pixels = m_source.ortho->width() >> address.level;
     const Canvas picture =
         m_source.ortho->reduced(address.column * pixels, address.row * pixels, pixels, factor);
@@ -176,8 +181,8 @@ osg::ref_ptr<osg::Node> TileWriter::content(const TileAddress& address,
     const SurfaceStates states(picture, pathPrefix + pictureName, *m_source.atlas,
                                up + m_source.atlasFile);
     MeshSet set;
-    set.mesh(Surface::Ground) = TileGrid(*m_source.terrain, address).mesh();
-    if (address.level == kLevels - 1) {
+    set.mesh(Surface::Ground) = TileGrid(*m_source.terrain, address, levelOf(address).cells).mesh();
+    if (isFinest(address)) {
         addObjects(set, address);
         m_result.finestTriangles += set.triangleCount();
     }
@@ -188,7 +193,7 @@ osg::ref_ptr<osg::Node> TileWriter::content(const TileAddress& address,
 osg::ref_ptr<osg::Node> TileWriter::tile(const TileAddress& address,
                                          const std::string& pathPrefix) {
     const osg::ref_ptr<osg::Node> node = content(address, pathPrefix);
-    if (address.level == kLevels - 1) {
+    if (isFinest(address)) {
         return node;
     }
     writeChildren(address);
@@ -223,8 +228,24 @@ TileTreeResult TileWriter::write() {
 
 } // namespace
 
-TileTreeResult writeTileTree(const std::string& folder, const TileSource& source) {
-    return TileWriter(folder, source).write();
+TileLevels sampleTileLevels() {
+    return {{32, 8}, {40, 4}, {48, 1}};
+}
+
+TileLevels evenTileLevels(int count, int cells) {
+    if (count < 1 || count > kMostTileLevels || cells < 1) {
+        throw std::runtime_error("no such tile tree");
+    }
+    TileLevels levels;
+    for (int level = 0; level < count; ++level) {
+        levels.push_back({cells, std::max(1, (kOrthoPixels >> level) / kUsualTexture)});
+    }
+    return levels;
+}
+
+TileTreeResult writeTileTree(const std::string& folder, const TileSource& source,
+                             const TileLevels& levels) {
+    return TileWriter(folder, source, levels).write();
 }
 
 } // namespace samples

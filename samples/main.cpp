@@ -15,6 +15,8 @@
 #include <filesystem>
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -105,7 +107,9 @@ void writeScan(const Valley& valley, const std::string& folder) {
     std::cout << "scan.osgb: " << samples::pointCount(*scan) << " points\n";
 }
 
-void writeTiles(const Valley& valley, const std::string& folder) {
+void writeTiles(const Valley& valley, const std::string& folder,
+                const samples::TileLevels& levels) {
+    std::filesystem::create_directories(folder + "tiles");
     samples::TileSource source;
     source.terrain = &valley.terrain;
     source.village = &valley.village;
@@ -113,7 +117,7 @@ void writeTiles(const Valley& valley, const std::string& folder) {
     source.ortho = &valley.ortho;
     source.atlas = &valley.atlas;
     source.atlasFile = kAtlasFile;
-    const samples::TileTreeResult result = samples::writeTileTree(folder, source);
+    const samples::TileTreeResult result = samples::writeTileTree(folder, source, levels);
     std::cout << "tiles.osgb: " << result.tiles << " tiles, " << result.finestTriangles
               << " triangles in the finest level\n";
 }
@@ -126,24 +130,43 @@ void writeAssembly(const std::string& folder) {
     std::cout << "assembly.osgt: a total station\n";
 }
 
+void writeAll(const std::string& folder) {
+    std::filesystem::create_directories(folder);
+    Valley valley;
+    buildMeshes(valley);
+    writePictures(valley, folder);
+    writeValleyBinary(valley, folder);
+    writeValleyObj(valley, folder);
+    writeScan(valley, folder);
+    writeTiles(valley, folder, samples::sampleTileLevels());
+    writeAssembly(folder);
+}
+
+/// Nothing but a tile tree of its own size, and the pictures on it.
+void writeTileTreeOnly(int levels, int cells, const std::string& folder) {
+    std::filesystem::create_directories(folder);
+    const Valley valley;
+    writePictures(valley, folder);
+    writeTiles(valley, folder, samples::evenTileLevels(levels, cells));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr << "usage: make_samples OUTDIR\n";
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const bool isTree = arguments.size() == 4 && arguments[0] == "--tile-tree";
+    if (!isTree && arguments.size() != 1) {
+        std::cerr << "usage: make_samples OUTDIR\n"
+                     "       make_samples --tile-tree LEVELS CELLS OUTDIR\n";
         return 2;
     }
     try {
-        const std::string folder = argv[1] + "/"s;
-        std::filesystem::create_directories(folder + "tiles");
-        Valley valley;
-        buildMeshes(valley);
-        writePictures(valley, folder);
-        writeValleyBinary(valley, folder);
-        writeValleyObj(valley, folder);
-        writeScan(valley, folder);
-        writeTiles(valley, folder);
-        writeAssembly(folder);
+        const std::string folder = arguments.back() + "/";
+        if (isTree) {
+            writeTileTreeOnly(std::stoi(arguments[1]), std::stoi(arguments[2]), folder);
+        } else {
+            writeAll(folder);
+        }
     } catch (const std::exception& error) {
         std::cerr << "make_samples: " << error.what() << '\n';
         return 1;

@@ -1,5 +1,6 @@
 #include "readers/ModelReaders.h"
 
+#include "readers/NativeReader.h"
 #include "readers/ObjReader.h"
 #include "readers/PlyReader.h"
 #include "readers/Reader3ds.h"
@@ -18,12 +19,11 @@ using Readers = std::map<std::string, osg::ref_ptr<osgDB::ReaderWriter>>;
 
 const Readers& modelReaders() {
     static const Readers readers = [] {
+        const osg::ref_ptr<osgDB::ReaderWriter> native = new NativeReader;
         const osg::ref_ptr<osgDB::ReaderWriter> stl = new StlReader;
-        return Readers{{"3ds", new Reader3ds},
-                       {"obj", new ObjReader},
-                       {"ply", new PlyReader},
-                       {"sta", stl},
-                       {"stl", stl}};
+        return Readers{
+            {"3ds", new Reader3ds}, {"obj", new ObjReader}, {"osg2", native}, {"osgb", native},
+            {"osgt", native},       {"ply", new PlyReader}, {"sta", stl},     {"stl", stl}};
     }();
     return readers;
 }

@@ -2,7 +2,7 @@
 
 #include "readers/ColladaLook.h"
 #include "readers/InventorLook.h"
-#include "readers/NativeReader.h"
+#include "readers/ModelReaders.h"
 #include "readers/OldTextLook.h"
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
@@ -125,6 +125,11 @@ Result readFromStream(const std::string& name, const std::string& extension,
     return reader->readNode(file, beside);
 }
 
+/// The program's own reader; the library's is not asked where this one fails.
+const osgDB::ReaderWriter* ownReaderFor(const std::string& name) {
+    return modelReaderFor(osgDB::getLowerCaseFileExtension(name));
+}
+
 class ReadGuard : public osgDB::ReadFileCallback {
 public:
     Result openArchive(const std::string&, osgDB::ReaderWriter::ArchiveStatus, unsigned int,
@@ -138,17 +143,16 @@ public:
 
     Result readObject(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Other, options, [&] {
-            return m_nativeReader->acceptsExtension(osgDB::getLowerCaseFileExtension(name))
-                       ? m_nativeReader->readObject(name, options)
+            const osgDB::ReaderWriter* own = ownReaderFor(name);
+            return own ? own->readObject(name, options)
                        : ReadFileCallback::readObject(name, options);
         });
     }
 
     Result readImage(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Image, options, [&] {
-            return m_nativeReader->acceptsExtension(osgDB::getLowerCaseFileExtension(name))
-                       ? m_nativeReader->readImage(name, options)
-                       : ReadFileCallback::readImage(name, options);
+            const osgDB::ReaderWriter* own = ownReaderFor(name);
+            return own ? own->readImage(name, options) : ReadFileCallback::readImage(name, options);
         });
     }
 
@@ -159,9 +163,9 @@ public:
 
     Result readNode(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Model, options, [&] {
+            if (const osgDB::ReaderWriter* own = ownReaderFor(name))
+                return own->readNode(name, options);
             const std::string extension = osgDB::getLowerCaseFileExtension(name);
-            if (m_nativeReader->acceptsExtension(extension))
-                return m_nativeReader->readNode(name, options);
             if (const auto refusal = contentRefusal(name, extension, options))
                 return Result(*refusal);
             return extension == "ive" ? readFromStream(name, extension, options)
@@ -210,8 +214,6 @@ private:
         const auto fault = checkModel(*result.getNode());
         return fault ? Result(*fault) : result;
     }
-
-    const osg::ref_ptr<NativeReader> m_nativeReader = new NativeReader;
 };
 
 } // namespace

@@ -17,10 +17,12 @@
 #include <osgUtil/LineSegmentIntersector>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <numeric>
 #include <random>
@@ -38,7 +40,8 @@ constexpr std::size_t slowRayCount = 40; ///< where each triangle is looked at
 constexpr int repetitions = 5;
 constexpr int buildRepetitions = 3;
 constexpr double percentile = 0.99;
-constexpr double nearest = 1.0; ///< eye from the terrain, in terrain sides
+constexpr double mostBytes = 40.0; ///< of the index a triangle
+constexpr double nearest = 1.0;    ///< eye from the terrain, in terrain sides
 constexpr double farthest = 5.0;
 constexpr double around = 0.2;     ///< of the side: where misses are aimed at, beside the terrain
 constexpr double tileSide = 100.0; ///< as the terrain has it
@@ -246,16 +249,18 @@ public:
     Bench(Report& report, const Model& which) : m_report(report), m_which(which) {}
 
     bool isWanted() const {
-        for (const char* against : {"KdTree", "no tree", "Embree", "build", "bytes"})
+        for (const char* against : {"KdTree", "no tree", "Embree", "build"})
             if (m_report.wants(name(against)))
                 return true;
         return false;
     }
 
-    void run() {
+    /// @return microseconds that the program takes for a pick on average; 0 where it was not asked.
+    double run() {
         Subjects subjects(m_which);
         auto ours = [&subjects](const PickRay& ray) { return subjects.pick(ray); };
         comparePicks(subjects, ours);
+        return m_mean;
     }
 
 private:
@@ -278,8 +283,9 @@ private:
             slow.theirs.push_back(second.slow);
         }
         const Wanted bound{Wanted::Bound::AtMost, wanted};
-        m_report.add({name(against), "us", Choice::Median, bound}, means);
-        m_report.add({name(against) + ", slow", "us", Choice::Median, std::nullopt}, slow);
+        m_report.add(Subject{name(against), "us", Choice::Median, bound}, means);
+        m_report.add(Subject{name(against) + ", slow", "us", Choice::Median, std::nullopt}, slow);
+        m_mean = *std::min_element(means.ours.begin(), means.ours.end());
     }
 
     void comparePicks(Subjects& subjects, const Pick& ours) {
@@ -313,21 +319,37 @@ private:
             subjects.model().accept(*builder);
             samples.theirs.push_back(microsecondsSince(then) / 1000);
         }
-        m_report.add({name("build"), "ms", Choice::Lowest, Wanted{Wanted::Bound::AtMost, 0.5}},
-                     samples);
-        Report::note("bytes a triangle: " +
-                     std::to_string(static_cast<double>(bytes) / m_which.triangles()));
+        m_report.add(
+            Subject{name("build"), "ms", Choice::Lowest, Wanted{Wanted::Bound::AtMost, 0.5}},
+            samples);
+        m_report.add(
+            Limit{name("bytes a triangle"), "bytes", Wanted{Wanted::Bound::AtMost, mostBytes}},
+            static_cast<double>(bytes) / m_which.triangles());
     }
 
     Report& m_report;
     const Model& m_which;
+    double m_mean = 0.0;
 };
 
+/// What a pick takes on the model with ten times the triangles, divided by what it takes on the
+/// other.
+void addGrowth(Report& report, const Model& small, const Model& large, double ratio) {
+    const Wanted hardlyAny{Wanted::Bound::AtMost, 2.0};
+    report.add(Limit{std::string("pick ") + small.name + " to " + large.name + ", growth", "times",
+                     hardlyAny},
+               ratio);
+}
+
 void measure(Report& report) {
-    for (const Model& which : models) {
-        Bench bench(report, which);
+    std::array<double, std::size(models)> means{};
+    for (std::size_t i = 0; i < std::size(models); ++i) {
+        Bench bench(report, models[i]);
         if (bench.isWanted())
-            bench.run();
+            means[i] = bench.run();
+        const bool isTenTimesTheLast = i % 2 == 1;
+        if (isTenTimesTheLast && means[i - 1] > 0.0 && means[i] > 0.0)
+            addGrowth(report, models[i - 1], models[i], means[i] / means[i - 1]);
     }
 }
 

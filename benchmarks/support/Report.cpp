@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <stdexcept>
 #include <string_view>
 
 namespace orbisk::bench {
@@ -11,6 +12,14 @@ namespace orbisk::bench {
 namespace {
 
 constexpr std::string_view filterOption = "--benchmark_filter=";
+constexpr std::string_view resultsOption = "--results=";
+
+/// What follows the option in this argument, if it is that option.
+std::optional<std::string> valueOf(std::string_view option, std::string_view argument) {
+    if (argument.substr(0, option.size()) != option)
+        return std::nullopt;
+    return std::string(argument.substr(option.size()));
+}
 
 double median(std::vector<double> figures) {
     const auto middle = figures.begin() + static_cast<std::ptrdiff_t>(figures.size() / 2);
@@ -38,24 +47,27 @@ std::string figure(double value, const std::string& unit) {
     return text;
 }
 
-bool isMet(const Wanted& wanted, double ratio) {
-    return wanted.bound == Wanted::Bound::AtMost ? ratio <= wanted.ratio : ratio >= wanted.ratio;
-}
-
-std::string wantedText(const std::optional<Wanted>& wanted, double ratio) {
-    if (!wanted)
-        return "-";
-    char text[64];
-    std::snprintf(text, sizeof text, "%s %.3g, %s",
-                  wanted->bound == Wanted::Bound::AtMost ? "at most" : "at least", wanted->ratio,
-                  isMet(*wanted, ratio) ? "met" : "missed");
+std::string ratioText(double ratio) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3g", ratio);
     return text;
 }
 
-void printRow(const char* what, const char* ours, const char* against, const char* ratio,
-              const char* wanted) {
-    std::printf("%-40s | %12s | %12s | %6s | %s\n", what, ours, against, ratio, wanted);
-    std::fflush(stdout);
+std::string wantedText(const std::optional<Wanted>& wanted) {
+    if (!wanted)
+        return "-";
+    char text[64];
+    std::snprintf(text, sizeof text, "%s %.6g",
+                  wanted->bound == Wanted::Bound::AtMost ? "at most" : "at least", wanted->limit);
+    return text;
+}
+
+std::string verdict(const std::optional<Wanted>& wanted, double figure) {
+    if (!wanted)
+        return "-";
+    const bool isMet =
+        wanted->bound == Wanted::Bound::AtMost ? figure <= wanted->limit : figure >= wanted->limit;
+    return isMet ? "met" : "missed";
 }
 
 } // namespace
@@ -76,10 +88,12 @@ Samples interleave(int repetitions, const std::function<double()>& ours,
 
 Report::Report(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
-        const std::string_view argument = argv[i];
-        if (argument.substr(0, filterOption.size()) != filterOption)
-            continue;
-        m_filter = std::regex(std::string(argument.substr(filterOption.size())));
+        if (const auto filter = valueOf(filterOption, argv[i]))
+            m_filter = std::regex(*filter);
+        else if (const auto results = valueOf(resultsOption, argv[i]))
+            m_results.open(*results, std::ios::app);
+        else
+            throw std::runtime_error(std::string("unknown option ") + argv[i]);
     }
 }
 
@@ -99,17 +113,32 @@ bool Report::wants(const std::string& name) const {
 }
 
 void Report::add(const Subject& subject, const Samples& samples) {
-    if (!m_begun)
-        printRow("what", "ours", "against", "ratio", "wanted");
-    m_begun = true;
     const double ours = chosen(subject.choice, samples.ours);
     const double theirs = chosen(subject.choice, samples.theirs);
     const double ratio = ours / theirs;
-    char ratioText[32];
-    std::snprintf(ratioText, sizeof ratioText, "%.3g", ratio);
-    printRow(subject.name.c_str(), figure(ours, subject.unit).c_str(),
-             figure(theirs, subject.unit).c_str(), ratioText,
-             wantedText(subject.wanted, ratio).c_str());
+    printRow({subject.name, figure(ours, subject.unit), figure(theirs, subject.unit),
+              ratioText(ratio), wantedText(subject.wanted), verdict(subject.wanted, ratio)});
+}
+
+void Report::add(const Limit& limit, double value) {
+    printRow({limit.name, figure(value, limit.unit), "-", "-",
+              wantedText(limit.wanted) + " " + limit.unit, verdict(limit.wanted, value)});
+}
+
+void Report::printRow(const Row& row) {
+    const auto print = [](const Row& fields) {
+        std::printf("%-52s | %14s | %14s | %8s | %-18s | %s\n", fields[0].c_str(),
+                    fields[1].c_str(), fields[2].c_str(), fields[3].c_str(), fields[4].c_str(),
+                    fields[5].c_str());
+        std::fflush(stdout);
+    };
+    if (!m_begun)
+        print({"what", "ours", "against", "ratio", "wanted", ""});
+    m_begun = true;
+    print(row);
+    for (const std::string& field : row)
+        m_results << field << (&field == &row.back() ? '\n' : '\t');
+    m_results.flush();
 }
 
 void Report::note(const std::string& text) {

@@ -16,8 +16,9 @@ public:
 
     const std::filesystem::path& path() const { return m_path; }
 
-    /// Puts a settings file there with which the window has this size, in screen pixels.
-    void writeSettings(int width, int height) const;
+    /// Puts a settings file there with which the window has this size, in screen pixels, and a sky
+    /// or none.
+    void writeSettings(int width, int height, bool hasSky = true) const;
 
 private:
     std::filesystem::path m_path;

@@ -24,10 +24,11 @@ WorkFolder::~WorkFolder() {
     fs::remove_all(m_path, error);
 }
 
-void WorkFolder::writeSettings(int width, int height) const {
+void WorkFolder::writeSettings(int width, int height, bool hasSky) const {
     std::ofstream(m_path / "datafile.json")
         << R"({"project":{"layout":{"rect":{"x":20,"y":20,"w":)" << width << R"(,"h":)" << height
-        << R"(}},"data":{"tool_show":1,"sky_show":1,"fovy":30.0,"language":0,"path_recent":[]}}})";
+        << R"(}},"data":{"tool_show":1,"sky_show":)" << (hasSky ? 1 : 0)
+        << R"(,"fovy":30.0,"language":0,"path_recent":[]}}})";
 }
 
 } // namespace orbisk::bench

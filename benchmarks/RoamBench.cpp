@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -21,6 +21,9 @@ using Clock = std::chrono::steady_clock;
 constexpr int repetitions = 11;
 constexpr std::size_t pointCounts[] = {1000, 10'000, 100'000, 1'000'000};
 constexpr std::size_t mostPoints = 1'000'000;
+/// Over all of them. Comparing each with each would be 2; beyond the processor's caches a point
+/// costs more, however little is done with it.
+const Wanted linear{Wanted::Bound::AtMost, 1.25};
 
 /// A walk over hills, as a survey has its coordinates.
 TravelPath makePoints(std::size_t count) {
@@ -74,32 +77,27 @@ double measureCount(Report& report, const std::string& name, std::size_t count) 
     const Samples samples = interleave(
         repetitions, [&] { return nanosecondsPerPoint(count, [&] { build(points, parameters); }); },
         [&] { return nanosecondsPerPoint(count, [&] { insertEach(points, parameters); }); });
-    report.add({name, "ns/point", Choice::Lowest, std::nullopt}, samples);
+    report.add(Subject{name, "ns/point", Choice::Lowest, std::nullopt}, samples);
     return *std::min_element(samples.ours.begin(), samples.ours.end());
 }
 
-/// Beyond the processor's caches a point costs more, however few are compared.
-void noteGrowth(double timeBefore, double time, double factor) {
-    const double growth = time / timeBefore * factor;
-    char text[64];
-    std::snprintf(text, sizeof text, "%.0f times the points: %.1f times the time, power %.2f",
-                  factor, growth, std::log(growth) / std::log(factor));
-    Report::note(text);
+/// The power of the number of points with which the whole time grows.
+double growthPower(double fewTime, double mostTime) {
+    const double factor = static_cast<double>(mostPoints) / static_cast<double>(pointCounts[0]);
+    return 1.0 + std::log(mostTime / fewTime) / std::log(factor);
 }
 
 void measure(Report& report) {
-    double timeBefore = 0.0;
-    std::size_t countBefore = 0;
+    std::map<std::size_t, double> times;
     for (const std::size_t count : pointCounts) {
         const std::string name = "roam path, " + std::to_string(count) + " points";
         if (!report.wants(name))
             continue;
-        const double time = measureCount(report, name, count);
-        if (countBefore != 0)
-            noteGrowth(timeBefore, time, static_cast<double>(count / countBefore));
-        timeBefore = time;
-        countBefore = count;
+        times[count] = measureCount(report, name, count);
     }
+    if (times.count(pointCounts[0]) != 0 && times.count(mostPoints) != 0)
+        report.add(Limit{"roam path, growth", "power", linear},
+                   growthPower(times[pointCounts[0]], times[mostPoints]));
 }
 
 } // namespace
