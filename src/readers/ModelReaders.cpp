@@ -7,7 +7,6 @@
 #include "readers/StlReader.h"
 
 #include <osg/ref_ptr>
-#include <osgDB/Registry>
 
 #include <map>
 
@@ -33,15 +32,6 @@ const Readers& modelReaders() {
 osgDB::ReaderWriter* modelReaderFor(const std::string& extension) {
     const auto found = modelReaders().find(extension);
     return found != modelReaders().end() ? found->second.get() : nullptr;
-}
-
-void registerModelReaders() {
-    static const bool registered = [] {
-        for (const auto& [extension, reader] : modelReaders())
-            osgDB::Registry::instance()->addReaderWriter(reader.get());
-        return true;
-    }();
-    static_cast<void>(registered);
 }
 
 } // namespace orbisk

@@ -11,9 +11,4 @@ namespace orbisk {
 /// library's reader is the one to use.
 osgDB::ReaderWriter* modelReaderFor(const std::string& extension);
 
-/// Makes the library itself use the program's readers, wherever it goes by a file's extension. The
-/// library tries its own reader after one of these has failed, unless a read-file callback keeps it
-/// from doing so. From any thread; the second call changes nothing.
-void registerModelReaders();
-
 } // namespace orbisk

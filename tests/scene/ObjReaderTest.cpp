@@ -5,6 +5,7 @@
 #include "support/SceneDescription.h"
 #include "support/SceneTools.h"
 #include "support/TemporaryFolder.h"
+#include "view/ReadGuard.h"
 
 #include <gtest/gtest.h>
 #include <osg/Material>
@@ -332,8 +333,7 @@ TEST_F(ObjReaderTest, DamagedFilesDoNoHarm) {
 }
 
 TEST_F(ObjReaderTest, LibraryReadsWithItAndStillWritesAfterwards) {
-    registerModelReaders();
-    registerModelReaders();
+    installReadGuard();
     // Where the library's own reader sees a shorter file.
     writeFile("model.obj", "v 1 2 3\nv 1 3 3\nv 2 3 3\nl 1 2 3\n");
     const osg::ref_ptr<osg::Node> scene = osgDB::readRefNodeFile("model.obj");
