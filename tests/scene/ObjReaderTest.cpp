@@ -1,5 +1,6 @@
 #include "readers/ObjReader.h"
 
+#include "measure/IntersectionVisitor.h"
 #include "readers/ModelReaders.h"
 #include "support/LibraryReader.h"
 #include "support/SceneDescription.h"
@@ -210,6 +211,24 @@ TEST_F(ObjReaderTest, LargeCoordinatesKeepAllTheirDigits) {
     osg::Vec3d normal = (vertices->at(1) - vertices->at(0)) ^ (vertices->at(2) - vertices->at(0));
     normal.normalize();
     EXPECT_NEAR((osg::Vec3d(normals->at(0)) - normal).length(), 0.0, 1e-5);
+}
+
+TEST_F(ObjReaderTest, PickOnLargeCoordinatesIsExact) {
+    const auto scene = read("v 494428.610 4877455.580 131.570\nv 494392.760 4877472.610 136.060\n"
+                            "v 494358.590 4877477.350 130.060\nf 1 2 3\n",
+                            "noRotation");
+    const osg::Vec3d a(494428.610, 4877455.580, 131.570);
+    const osg::Vec3d b(494392.760, 4877472.610, 136.060);
+    const osg::Vec3d c(494358.590, 4877477.350, 130.060);
+    const osg::Vec3d inside = (a + b * 2.0 + c) / 4.0;
+    osg::Vec3d direction = (b - a) ^ (c - a);
+    direction.normalize();
+    constexpr double distance = 100.0;
+    IntersectionVisitor visitor(inside - direction * distance, direction);
+    scene->accept(visitor);
+    ASSERT_EQ(visitor.hits().size(), 1u);
+    // Floats would be up to a quarter of a metre away.
+    EXPECT_NEAR((visitor.hits().front() - inside).length(), 0.0, 1e-6);
 }
 
 TEST_F(ObjReaderTest, CoordinatesThatFloatsHoldStayFloats) {
