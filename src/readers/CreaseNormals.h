@@ -28,6 +28,7 @@ struct CreaseNormals {
 template <class Vertices>
 CreaseNormals makeCreaseNormals(const Vertices& vertices, std::vector<unsigned int>& triangles);
 
+/// For these there is one, made once.
 extern template CreaseNormals makeCreaseNormals(const osg::Vec3Array&, std::vector<unsigned int>&);
 extern template CreaseNormals makeCreaseNormals(const osg::Vec3dArray&, std::vector<unsigned int>&);
 
