@@ -64,8 +64,8 @@ int main(int argc, char** argv) {
     viewer.setCameraManipulator(pilot);
     log->begin();
     flyFor(viewer, halfTime);
-    const long halfTimeMemory = orbisk::bench::residentMemory();
+    const long halfTimePeak = orbisk::bench::peakMemory();
     flyFor(viewer, halfTime);
-    orbisk::bench::printFlight(log->intervals(), halfTimeMemory, {}, width, height);
+    orbisk::bench::printFlight(log->intervals(), halfTimePeak, {}, width, height);
     std::_Exit(EXIT_SUCCESS);
 }

@@ -37,9 +37,8 @@ public:
         m_frame.Bind(wxEVT_IDLE, &Flight::onIdle, this);
         m_start.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { m_frame.openFile(m_plan.model); });
         m_takeOff.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { takeOff(); });
-        m_halfTime.Bind(wxEVT_TIMER, [this](wxTimerEvent&) {
-            m_halfTimeMemory = orbisk::bench::residentMemory();
-        });
+        m_halfTime.Bind(wxEVT_TIMER,
+                        [this](wxTimerEvent&) { m_halfTimePeak = orbisk::bench::peakMemory(); });
         m_landing.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { land(); });
         m_picks.Bind(wxEVT_TIMER, [this](wxTimerEvent&) { pick(); });
         m_start.StartOnce(settleMilliseconds);
@@ -77,8 +76,7 @@ private:
     /// What closing costs is no part of what is measured.
     void land() {
         const orbisk::ViewSize size = m_frame.canvas()->pixelSize();
-        orbisk::bench::printFlight(m_log->intervals(), m_halfTimeMemory, m_pickTimes, size.w,
-                                   size.h);
+        orbisk::bench::printFlight(m_log->intervals(), m_halfTimePeak, m_pickTimes, size.w, size.h);
         std::_Exit(EXIT_SUCCESS);
     }
 
@@ -91,7 +89,7 @@ private:
     wxTimer m_landing;
     wxTimer m_picks;
     bool m_isShown = false;
-    long m_halfTimeMemory = 0;
+    long m_halfTimePeak = 0;
     std::vector<double> m_pickTimes;
 };
 

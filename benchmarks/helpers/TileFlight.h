@@ -10,10 +10,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
 #include <mutex>
 #include <numeric>
-#include <string>
 #include <vector>
 
 namespace orbisk::bench {
@@ -69,18 +67,6 @@ private:
     std::vector<Clock::time_point> m_shown;
 };
 
-/// The memory this process holds now, in KiB.
-inline long residentMemory() {
-    std::ifstream status("/proc/self/status");
-    for (std::string word; status >> word;)
-        if (word == "VmRSS:") {
-            long kibibytes = 0;
-            status >> kibibytes;
-            return kibibytes;
-        }
-    return 0;
-}
-
 /// The mean, and the figure that 99 of 100 are below; zeros where there are none.
 struct MeanAndSlow {
     explicit MeanAndSlow(std::vector<double> figures) {
@@ -99,15 +85,15 @@ struct MeanAndSlow {
     double slow = 0.0;
 };
 
-/// Prints how a flight went, on one line: mean and slow frame time in ms, peak memory and that at
-/// half time and at the end in KiB, mean and slow pick time in ms, width and height of the view in
+/// Prints how a flight went, on one line: mean and slow frame time in ms, peak memory of the whole
+/// and of its first half in KiB, mean and slow pick time in ms, width and height of the view in
 /// pixels.
-inline void printFlight(const std::vector<double>& frames, long halfTimeMemory,
+inline void printFlight(const std::vector<double>& frames, long halfTimePeak,
                         const std::vector<double>& picks, int width, int height) {
     const MeanAndSlow frame(frames);
     const MeanAndSlow pick(picks);
-    std::printf("%.3f %.3f %ld %ld %ld %.4f %.4f %d %d\n", frame.mean, frame.slow, peakMemory(),
-                halfTimeMemory, residentMemory(), pick.mean, pick.slow, width, height);
+    std::printf("%.3f %.3f %ld %ld %.4f %.4f %d %d\n", frame.mean, frame.slow, peakMemory(),
+                halfTimePeak, pick.mean, pick.slow, width, height);
     std::fflush(stdout);
 }
 

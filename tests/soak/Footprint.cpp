@@ -25,8 +25,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr double bytesPerKibibyte = 1024.0;
-/// The drawing library keeps one for each opacity and each plain colour that it ever drew, up to
-/// some hundreds; the toolkit fades many things in and out.
+/// Left out: views without a pixmap of their own, which the drawing library makes. They grew from
+/// 90 to 160 over 238 models, ever more slowly, while all else stayed the same.
 constexpr const char* storedByCairo = "PICTURE";
 
 std::string nameOf(Display* display, Atom atom) {
