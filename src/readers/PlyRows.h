@@ -54,7 +54,7 @@ private:
     bool readRow(const PlyElement& element, PlyRowReceiver* receiver, std::string_view line);
     bool readList(std::string_view& line);
 
-    TextLines m_lines;
+    SeparateLines m_lines;
     std::vector<double> m_list;
 };
 

@@ -166,7 +166,7 @@ bool isKeyword(std::string_view word, std::string_view keyword) {
 osg::Vec3 vectorOf(std::string_view line) {
     osg::Vec3 vector;
     for (int i = 0; i < 3; ++i)
-        vector[i] = static_cast<float>(numberOf(takeWord(line)));
+        vector[i] = static_cast<float>(numberOf(nextWord(line)));
     return vector;
 }
 
@@ -185,7 +185,7 @@ public:
 
     /// Null where there is neither a solid nor a facet.
     osg::ref_ptr<osg::Group> read() {
-        TextLines lines(m_text);
+        SeparateLines lines(m_text);
         while (lines.next())
             takeLine(lines.line());
         addSolid(*m_model, m_mesh, m_name);
@@ -194,12 +194,12 @@ public:
 
 private:
     void takeLine(std::string_view line) {
-        const std::string_view keyword = takeWord(line);
+        const std::string_view keyword = nextWord(line);
         if (isKeyword(keyword, "vertex")) {
             addCorner(vectorOf(line));
         } else if (isKeyword(keyword, "facet")) {
             m_isStl = true;
-            takeWord(line);
+            nextWord(line);
             m_facet.normal = vectorOf(line);
             m_facet.normal.normalize();
             m_corners = 0;

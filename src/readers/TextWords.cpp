@@ -27,7 +27,7 @@ bool isTiny(std::string_view word) {
 
 } // namespace
 
-bool TextLines::next() {
+bool SeparateLines::next() {
     if (m_rest.empty())
         return false;
     const auto* found = static_cast<const char*>(std::memchr(m_rest.data(), '\n', m_rest.size()));
@@ -40,7 +40,7 @@ bool TextLines::next() {
     return true;
 }
 
-std::string_view takeWord(std::string_view& line) {
+std::string_view nextWord(std::string_view& line) {
     std::size_t begin = 0;
     while (begin < line.size() && isBlank(line[begin]))
         ++begin;

@@ -108,7 +108,7 @@ std::string nestedGroups(int count) {
     return inText(text);
 }
 
-class NativeFormatTest : public testing::TestWithParam<std::pair<const char*, const char*>> {
+class NativeDamageTest : public testing::TestWithParam<std::pair<const char*, const char*>> {
 protected:
     std::string name() const { return std::string("model.") + GetParam().first; }
 
@@ -119,7 +119,7 @@ protected:
 
 } // namespace
 
-TEST_P(NativeFormatTest, ReadsWhatThePackagedReaderReads) {
+TEST_P(NativeDamageTest, ReadsWhatThePackagedReaderReads) {
     write(name(), GetParam().second);
     Result own = m_reader->readNode(name(), nullptr);
     Result packaged = osgDB::Registry::instance()
@@ -132,7 +132,7 @@ TEST_P(NativeFormatTest, ReadsWhatThePackagedReaderReads) {
     EXPECT_EQ(textOf(*ownNode), textOf(*packagedNode));
 }
 
-TEST_P(NativeFormatTest, FileCutAnywhereIsNoModel) {
+TEST_P(NativeDamageTest, FileCutAnywhereIsNoModel) {
     const std::string whole = write(name(), GetParam().second);
     const std::size_t step = std::max<std::size_t>(1, whole.size() / 400);
     // What is cut in the blanks at the end is whole.
@@ -143,7 +143,7 @@ TEST_P(NativeFormatTest, FileCutAnywhereIsNoModel) {
     }
 }
 
-TEST_P(NativeFormatTest, DamagedFileBreaksNothing) {
+TEST_P(NativeDamageTest, DamagedFileBreaksNothing) {
     const std::string whole = write(name(), GetParam().second);
     constexpr std::uint64_t tries = 400;
     for (std::uint64_t seed = 0; seed < tries; ++seed) {
@@ -155,7 +155,7 @@ TEST_P(NativeFormatTest, DamagedFileBreaksNothing) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, NativeFormatTest,
+INSTANTIATE_TEST_SUITE_P(Kinds, NativeDamageTest,
                          testing::Values(std::pair("osgb", ""), std::pair("osgt", ""),
                                          std::pair("osg2", "Ascii"), std::pair("osg2", ""),
                                          std::pair("osgb", "Compressor=zlib")));

@@ -13,7 +13,7 @@ namespace {
 
 std::vector<std::string> linesOf(std::string_view text) {
     std::vector<std::string> lines;
-    TextLines reader(text);
+    SeparateLines reader(text);
     while (reader.next())
         lines.emplace_back(reader.line());
     return lines;
@@ -28,17 +28,17 @@ TEST(TextWordsTest, LinesEndWithALineFeedOrWithTheText) {
 }
 
 TEST(TextWordsTest, RestBeginsBehindTheLine) {
-    TextLines reader("head\nbody\n");
+    SeparateLines reader("head\nbody\n");
     ASSERT_TRUE(reader.next());
     EXPECT_EQ(reader.rest(), "body\n");
 }
 
 TEST(TextWordsTest, WordsStandBetweenBlanks) {
     std::string_view line = "  one\ttwo  ";
-    EXPECT_EQ(takeWord(line), "one");
-    EXPECT_EQ(takeWord(line), "two");
-    EXPECT_EQ(takeWord(line), "");
-    EXPECT_EQ(takeWord(line), "");
+    EXPECT_EQ(nextWord(line), "one");
+    EXPECT_EQ(nextWord(line), "two");
+    EXPECT_EQ(nextWord(line), "");
+    EXPECT_EQ(nextWord(line), "");
 }
 
 TEST(TextWordsTest, NumbersAreReadToTheLastDigit) {
