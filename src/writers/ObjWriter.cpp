@@ -6,9 +6,11 @@
 #include "writers/PrimitiveWalk.h"
 #include "writers/VectorArray.h"
 
+#include <osg/BoundingBox>
 #include <osg/Geometry>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <vector>
 
@@ -28,6 +30,21 @@ osg::Vec3d turned(const osg::Vec3d& v) {
 
 bool white(const osg::Vec4& colour) {
     return colour == osg::Vec4(1.0f, 1.0f, 1.0f, 1.0f);
+}
+
+/// Whether the short texts of numbers in single precision are good for these vertices. Such a text
+/// stands for the number to whoever rounds it back. A reader that keeps more digits takes it as it
+/// is, and the farther from the origin, the farther that is from the vertex.
+bool shortTextsSuffice(const VectorArray& vertices) {
+    constexpr double singleRounding = 1.0 / (1 << 24);
+    constexpr double tolerance = 1e-7;
+    osg::BoundingBoxd box;
+    for (unsigned int i = 0; i < vertices.size(); ++i)
+        box.expandBy(vertices.at(i));
+    double farthest = 0.0;
+    for (int axis = 0; axis < 3; ++axis)
+        farthest = std::max({farthest, std::fabs(box._min[axis]), std::fabs(box._max[axis])});
+    return farthest * singleRounding <= tolerance * 2.0 * box.radius();
 }
 
 /// The colours of a geometry's vertices.
@@ -234,11 +251,11 @@ private:
                        const osg::Matrixd& toWorld) {
         const VertexColours colours(geometry);
         const bool untouched = toWorld.isIdentity();
+        const bool single = untouched && vertices.single() && shortTextsSuffice(vertices);
         for (unsigned int i = 0; i < vertices.size(); ++i) {
             const osg::Vec3d local = vertices.at(i);
             m_text += 'v';
-            writeVector(turned(untouched ? local : local * toWorld),
-                        untouched && vertices.single());
+            writeVector(turned(untouched ? local : local * toWorld), single);
             if (m_coloured)
                 writeVector(osg::Vec3d(colours.at(i).r(), colours.at(i).g(), colours.at(i).b()),
                             true);
@@ -285,7 +302,6 @@ private:
     void writeVector(const osg::Vec3d& v, bool single) {
         for (unsigned int i = 0; i < 3; ++i) {
             m_text += ' ';
-            // Of a number in single precision the short text is the exact one.
             if (single)
                 appendNumber(m_text, static_cast<float>(v[i]));
             else
