@@ -18,8 +18,10 @@
 
 #include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <vector>
 
 namespace orbisk {
@@ -91,6 +93,12 @@ public:
 std::string fileOf(const std::string& name, const osgDB::Options* options) {
     const std::string found = osgDB::findDataFile(name, options);
     return found.empty() ? name : osgDB::getRealPath(found);
+}
+
+/// What nobody knows the end of; a reader would wait there, or fill the memory.
+bool isPipeOrDevice(const std::string& file) {
+    std::error_code error;
+    return std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error);
 }
 
 /// Looks at a file before its reader does, where that tells what its reader would break on.
@@ -190,6 +198,8 @@ private:
         if (isOutermost)
             startCountingMessages();
         const std::string file = fileOf(name, options);
+        if (isPipeOrDevice(file))
+            return Result("pipes, devices and folders are not read");
         if (ReadMark::isTooMuch() || ReadMark::isInside(file))
             return Result("files that read each other without end are not read");
         const ReadMark mark(file);

@@ -4,12 +4,16 @@
 #include "support/TestModels.h"
 #include "support/TestReader.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <fstream>
 
 namespace orbisk::test {
+
+namespace {
+
+/// Where no tip server listens.
+constexpr const char* portOfNobody = "1";
+
+} // namespace
 
 class CloseDuringLoadTest : public GuiTest {
 protected:
@@ -105,9 +109,8 @@ TEST_F(CloseDuringLoadTest, WindowManagersCloseOfTheProgressDialogDoesNotStopThe
 
 TEST_F(CloseDuringLoadTest, WholeProgramEndsWell) {
     writeSettings(R"({"x":40,"y":40,"w":900,"h":700})", languageEnglish);
-    // A reader waits at a pipe until somebody writes into it.
-    ASSERT_EQ(mkfifo("model.obj", 0600), 0);
-    ChildProcess program({std::string(ORBISK_STAGE_DIR) + "/orbisk", "model.obj"});
+    ChildProcess program(
+        {ORBISK_WITH_TIPS, portOfNobody, writeSlowModel("model.slow", "seconds 5")});
     const Screen screen;
     ASSERT_TRUE(runUntil([&screen] {
         const auto titles = screen.titles();
@@ -117,13 +120,13 @@ TEST_F(CloseDuringLoadTest, WholeProgramEndsWell) {
     screen.closeWindow("Kelvane");
     runFor(0.5);
     EXPECT_TRUE(program.isRunning());
-    std::ofstream("model.obj") << "v 0 0 0\nv 9 0 0\nv 0 9 0\nf 1 2 3\n";
+    // While the progress dialog is up, the window manager may not be listened to.
     ASSERT_TRUE(runUntil([&] {
         screen.closeWindow("Kelvane");
         return !program.isRunning();
     }));
     EXPECT_EQ(program.wait(), 0) << program.errorOutput();
-    EXPECT_NE(readFile("datafile.json").find("model.obj"), std::string::npos);
+    EXPECT_NE(readFile("datafile.json").find("model.slow"), std::string::npos);
 }
 
 } // namespace orbisk::test

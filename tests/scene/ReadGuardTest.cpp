@@ -15,6 +15,7 @@
 #include <osgDB/FileNameUtils>
 #include <osgDB/ReadFile>
 #include <osgDB/WriteFile>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <chrono>
@@ -249,6 +250,18 @@ TEST_F(ReadGuardTest, LibrariesComeFromTheirOwnFoldersOnly) {
           folder + "/osgdb_serializers_evil.so", folder + "/osgdb_fbx.so",
           folder + "/../libevil.so", std::string("osgdb_evil.so")})
         EXPECT_EQ(registry.loadLibrary(name), osgDB::Registry::NOT_LOADED) << name;
+}
+
+TEST_F(ReadGuardTest, PipesAndDevicesAreNotReadWhateverTheirName) {
+    // A reader of the pipe would wait until somebody writes, one of the device for ever.
+    ASSERT_EQ(mkfifo("pipe.png", 0600), 0);
+    ASSERT_EQ(mkfifo("pipe.dxf", 0600), 0);
+    fs::create_symlink("/dev/zero", "endless.png");
+    for (const char* name : {"pipe.png", "endless.png"})
+        EXPECT_EQ(osgDB::readRefImageFile(name), nullptr) << name;
+    EXPECT_EQ(readModel("pipe.dxf"), nullptr);
+    writeTexturedModel("pipe.png");
+    EXPECT_NE(readModel("model.obj"), nullptr);
 }
 
 TEST_F(ReadGuardTest, FileThatReadsItselfIsReadOnce) {
