@@ -263,6 +263,7 @@ void ObjGeometry::addFace(std::vector<Vertex> face, Mesh& mesh) {
         std::reverse(face.begin(), face.end());
     if (face.size() > mostCornersOfPlainFace && m_options.split) {
         std::vector<osg::Vec3> outline;
+        outline.reserve(face.size());
         for (const Vertex& vertex : face)
             outline.push_back(local(vertex.position));
         if (!PolygonSplitter::isFan(outline)) {
@@ -282,6 +283,7 @@ void ObjGeometry::addFace(std::vector<Vertex> face, Mesh& mesh) {
 void ObjGeometry::addPolygon(const std::vector<Vertex>& face, const std::vector<osg::Vec3>& outline,
                              Mesh& mesh) {
     std::vector<std::uint32_t> numbers;
+    numbers.reserve(face.size());
     for (const Vertex& vertex : face)
         numbers.push_back(numberOf(vertex, mesh));
     const osg::ref_ptr<osg::Geometry> polygon = polygonOf(face, outline, mesh);

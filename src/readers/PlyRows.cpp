@@ -116,7 +116,8 @@ bool PlyBinaryRows::readList(const PlyProperty& property, bool wanted) {
         return false;
     const double count = take(*property.countType);
     const std::size_t size = sizeOf(property.type);
-    if (!(count >= 0.0 && count <= static_cast<double>(remaining() / size)))
+    const std::size_t most = remaining() / size;
+    if (!(count >= 0.0 && count <= static_cast<double>(most)))
         return false;
     const auto length = static_cast<std::size_t>(count);
     if (!wanted) {
