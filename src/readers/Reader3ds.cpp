@@ -168,10 +168,9 @@ Reader3ds::Reader3ds() {
     supportsExtension("3ds", "3D Studio model format");
 }
 
-osgDB::ReaderWriter::ReadResult Reader3ds::readBytes(std::string_view bytes,
-                                                     const std::string& fileName,
+osgDB::ReaderWriter::ReadResult Reader3ds::readBytes(FileBytes bytes, const std::string& fileName,
                                                      const osgDB::Options* options) const {
-    const std::optional<File3ds> file = parse3ds(bytes);
+    const std::optional<File3ds> file = parse3ds(bytes.view());
     if (!file)
         return ReadResult::ERROR_IN_READING_FILE;
     const bool hasFolder = options && !options->getDatabasePathList().empty();

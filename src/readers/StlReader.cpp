@@ -233,9 +233,9 @@ StlReader::StlReader() {
     supportsExtension("sta", "Stereolithography format, text");
 }
 
-osgDB::ReaderWriter::ReadResult StlReader::readBytes(std::string_view bytes,
-                                                     const std::string& fileName,
+osgDB::ReaderWriter::ReadResult StlReader::readBytes(FileBytes file, const std::string& fileName,
                                                      const osgDB::Options*) const {
+    const std::string_view bytes = file.view();
     osg::ref_ptr<osg::Group> model;
     if (!isBinary(bytes)) {
         model = TextSolids(bytes).read();
