@@ -2,6 +2,7 @@
 // folder of them is named by the environment. Without it these tests are skipped.
 
 #include "readers/ModelReaders.h"
+#include "readers/WholeFileReader.h"
 #include "support/DrawnModel.h"
 #include "support/PackagedReader.h"
 #include "support/SceneTools.h"
@@ -140,7 +141,8 @@ TEST_F(MeshReadersOnModelsTest, HostileFilesAreRefusedOrSafe) {
     int files = 0;
     for (const auto& entry : fs::recursive_directory_iterator(m_folder / "hostile")) {
         const std::string path = entry.path().string();
-        osgDB::ReaderWriter* own = modelReaderFor(osgDB::getLowerCaseFileExtension(path));
+        const auto* own =
+            dynamic_cast<WholeFileReader*>(modelReaderFor(osgDB::getLowerCaseFileExtension(path)));
         if (!own || !entry.is_regular_file())
             continue;
         SCOPED_TRACE(path);
