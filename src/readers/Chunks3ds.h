@@ -2,9 +2,12 @@
 
 #include "readers/ByteReader.h"
 
+#include <osg/Vec3>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace orbisk {
 
@@ -92,6 +95,29 @@ void forEachChunk(ByteReader& reader, std::size_t end, const Visit& visit) {
         visit(header.kind, header.end);
         reader.moveTo(header.end);
     }
+}
+
+/// Takes a name, which ends with a zero byte. It fails, with an empty one, where it has no end.
+inline std::string readName3ds(ByteReader& reader) {
+    constexpr std::size_t longestName = 64;
+    return std::string(reader.readText(longestName));
+}
+
+/// Takes three numbers in single precision.
+inline osg::Vec3 readVector3ds(ByteReader& reader) {
+    osg::Vec3 vector;
+    for (int i = 0; i < osg::Vec3::num_components; ++i)
+        vector[i] = reader.read<float>();
+    return vector;
+}
+
+/// Whether `count` things of `size` bytes have room up to `end`; else the file makes no sense, and
+/// `reader` fails.
+inline bool hasRoomFor(ByteReader& reader, std::size_t count, std::size_t size, std::size_t end) {
+    if (reader.position() <= end && count * size <= end - reader.position())
+        return true;
+    reader.fail();
+    return false;
 }
 
 } // namespace orbisk

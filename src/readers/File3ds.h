@@ -1,5 +1,7 @@
 #pragma once
 
+#include "readers/Hierarchy3ds.h"
+
 #include <osg/Matrixf>
 #include <osg/Vec2>
 #include <osg/Vec3>
@@ -57,25 +59,13 @@ struct Mesh3ds {
     std::vector<Face3ds> faces;
 };
 
-/// A node of the hierarchy in a 3DS file, which may show a mesh of its name.
-struct Node3ds {
-    bool showsMesh = false; ///< else it is a light, a camera or what they look at
-    std::string name;
-    std::string instanceName;
-    osg::Vec3 pivot;
-    osg::Matrixf matrix; ///< to the world, at the begin of the animation
-    std::optional<std::size_t> parent;
-    std::vector<std::size_t> children;
-};
-
 /// What of a 3DS file a model is made of.
 struct File3ds {
     std::vector<Material3ds> materials;
     std::vector<Mesh3ds> meshes;
     std::map<std::string, std::size_t> materialOfName; ///< of those of one name, the first
     std::map<std::string, std::size_t> meshOfName;     ///< likewise
-    std::vector<Node3ds> nodes;
-    std::vector<std::size_t> roots; ///< the nodes without a parent
+    Hierarchy3ds hierarchy;
 };
 
 /// Reads the bytes of a 3DS file. Nothing where it isn't one or makes no sense: a chunk is shorter

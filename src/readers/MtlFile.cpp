@@ -1,6 +1,7 @@
 #include "readers/MtlFile.h"
 
-#include "readers/TextScanner.h"
+#include "readers/TextLines.h"
+#include "readers/TextWords.h"
 
 #include <osgDB/FileNameUtils>
 
@@ -131,13 +132,11 @@ public:
     void read(std::string_view line) {
         std::string_view rest = line;
         const std::string_view word = takeWord(rest);
-        const auto isWord = [&](std::string_view known) {
-            return word.size() == known.size() && beginsWithWord(word, known);
-        };
-        if (isWord("newmtl"))
+        const auto is = [&](std::string_view known) { return isWord(word, known); };
+        if (is("newmtl"))
             begin(trimmed(rest));
         else if (m_material)
-            change(isWord, rest);
+            change(is, rest);
     }
 
 private:

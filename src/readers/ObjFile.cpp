@@ -1,6 +1,7 @@
 #include "readers/ObjFile.h"
 
-#include "readers/TextScanner.h"
+#include "readers/TextLines.h"
+#include "readers/TextWords.h"
 
 #include <algorithm>
 #include <array>

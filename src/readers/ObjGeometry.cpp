@@ -263,9 +263,10 @@ void ObjGeometry::addFace(std::vector<Vertex> face, Mesh& mesh) {
         std::reverse(face.begin(), face.end());
     if (face.size() > mostCornersOfPlainFace && m_options.split) {
         std::vector<osg::Vec3> outline;
+        outline.reserve(face.size());
         for (const Vertex& vertex : face)
             outline.push_back(local(vertex.position));
-        if (!PolygonSplitter::isFan(outline)) {
+        if (!PolygonTessellator::isFan(outline)) {
             addPolygon(face, outline, mesh);
             return;
         }
@@ -282,10 +283,11 @@ void ObjGeometry::addFace(std::vector<Vertex> face, Mesh& mesh) {
 void ObjGeometry::addPolygon(const std::vector<Vertex>& face, const std::vector<osg::Vec3>& outline,
                              Mesh& mesh) {
     std::vector<std::uint32_t> numbers;
+    numbers.reserve(face.size());
     for (const Vertex& vertex : face)
         numbers.push_back(numberOf(vertex, mesh));
     const osg::ref_ptr<osg::Geometry> polygon = polygonOf(face, outline, mesh);
-    const std::vector<std::uint32_t> triangles = m_splitter.split(*polygon);
+    const std::vector<std::uint32_t> triangles = m_tessellator.split(*polygon);
     const unsigned int count = polygon->getVertexArray()->getNumElements();
     for (auto i = static_cast<unsigned int>(face.size()); i < count; ++i)
         numbers.push_back(numberOf(addedVertex(*polygon, i), mesh));

@@ -3,7 +3,7 @@
 #include "readers/DistinctValues.h"
 #include "readers/ObjFile.h"
 #include "readers/ObjOptions.h"
-#include "readers/PolygonSplitter.h"
+#include "readers/PolygonTessellator.h"
 
 #include <osg/Geometry>
 #include <osg/Vec2>
@@ -111,7 +111,7 @@ private:
     std::vector<std::uint32_t> m_textureNumbers;
     std::vector<std::uint32_t> m_normalNumbers;
 
-    PolygonSplitter m_splitter;
+    PolygonTessellator m_tessellator;
     std::vector<std::uint32_t> m_vertexAtPosition; ///< of the mesh in the making; none between two
 };
 

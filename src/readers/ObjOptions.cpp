@@ -1,6 +1,6 @@
 #include "readers/ObjOptions.h"
 
-#include "readers/TextScanner.h"
+#include "readers/TextWords.h"
 
 #include <array>
 #include <string_view>

@@ -1,7 +1,7 @@
 #include "readers/PlyFaces.h"
 
 #include "readers/PlyVertices.h"
-#include "readers/PolygonFilling.h"
+#include "readers/PolygonEars.h"
 
 #include <algorithm>
 #include <limits>
@@ -75,7 +75,7 @@ void addTriangles(const osg::Array& positions, const unsigned int* corners, std:
     outline.reserve(count);
     for (std::size_t i = 0; i < count; ++i)
         outline.push_back(positionOf(positions, corners[i]));
-    for (const std::size_t place : fillPolygon(outline))
+    for (const std::size_t place : cutIntoEars(outline))
         triangles.push_back(corners[place]);
 }
 

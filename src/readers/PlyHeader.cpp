@@ -1,5 +1,6 @@
 #include "readers/PlyHeader.h"
 
+#include "readers/SeparateLines.h"
 #include "readers/TextWords.h"
 
 #include <algorithm>
@@ -43,8 +44,8 @@ std::optional<PlyFormat> formatOf(std::string_view name) {
 }
 
 std::optional<PlyElement> parseElement(std::string_view line) {
-    PlyElement element{std::string(nextWord(line)), 0, {}};
-    const std::string_view rows = nextWord(line);
+    PlyElement element{std::string(takeWord(line)), 0, {}};
+    const std::string_view rows = takeWord(line);
     const auto [end, error] = std::from_chars(rows.data(), rows.data() + rows.size(), element.rows);
     if (error != std::errc() || end != rows.data() + rows.size())
         return std::nullopt;
@@ -52,16 +53,16 @@ std::optional<PlyElement> parseElement(std::string_view line) {
 }
 
 std::optional<PlyProperty> parseProperty(std::string_view line) {
-    std::string_view word = nextWord(line);
+    std::string_view word = takeWord(line);
     std::optional<PlyType> countType;
     if (word == "list") {
-        countType = typeOf(nextWord(line));
+        countType = typeOf(takeWord(line));
         if (!countType)
             return std::nullopt;
-        word = nextWord(line);
+        word = takeWord(line);
     }
     const std::optional<PlyType> type = typeOf(word);
-    const std::string_view name = nextWord(line);
+    const std::string_view name = takeWord(line);
     if (!type || name.empty())
         return std::nullopt;
     return PlyProperty{std::string(name), *type, countType};
@@ -78,9 +79,9 @@ class HeaderParser {
 public:
     /// False where the line makes no sense; with the last one, `isComplete` becomes true.
     bool takeLine(std::string_view line) {
-        const std::string_view keyword = nextWord(line);
+        const std::string_view keyword = takeWord(line);
         if (keyword == "format") {
-            m_format = formatOf(nextWord(line));
+            m_format = formatOf(takeWord(line));
             return m_format.has_value();
         }
         if (keyword == "element")
@@ -165,7 +166,7 @@ std::optional<PlyHeader> parsePlyHeader(std::string_view file) {
     if (!lines.next())
         return std::nullopt;
     std::string_view first = lines.line();
-    if (nextWord(first) != "ply")
+    if (takeWord(first) != "ply")
         return std::nullopt;
     HeaderParser parser;
     while (lines.next()) {

@@ -242,13 +242,12 @@ PlyReader::PlyReader() {
     supportsExtension("ply", "Polygon file format");
 }
 
-osgDB::ReaderWriter::ReadResult PlyReader::readBytes(std::string_view bytes,
-                                                     const std::string& fileName,
+osgDB::ReaderWriter::ReadResult PlyReader::readBytes(FileBytes bytes, const std::string& fileName,
                                                      const osgDB::Options* options) const {
-    const std::optional<PlyHeader> header = parsePlyHeader(bytes);
+    const std::optional<PlyHeader> header = parsePlyHeader(bytes.view());
     if (!header)
         return ReadResult::ERROR_IN_READING_FILE;
-    BodyReader body(*header, bytes);
+    BodyReader body(*header, bytes.view());
     if (!body.read())
         return ReadResult::ERROR_IN_READING_FILE;
     PlyFaces::Indices faces = body.takeFaces();

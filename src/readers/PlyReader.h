@@ -16,7 +16,7 @@ public:
 
     const char* className() const override { return "PlyReader"; }
 
-    ReadResult readBytes(std::string_view bytes, const std::string& fileName,
+    ReadResult readBytes(FileBytes bytes, const std::string& fileName,
                          const osgDB::Options* options) const override;
 
 protected:

@@ -1,5 +1,7 @@
 #include "readers/PlyRows.h"
 
+#include "readers/TextWords.h"
+
 #include <cstdint>
 
 namespace orbisk {
@@ -39,7 +41,7 @@ bool PlyTextRows::read(const PlyElement& element, PlyRowReceiver* receiver) {
             if (!m_lines.next())
                 return false;
             words = m_lines.line();
-        } while (nextWord(words).empty());
+        } while (takeWord(words).empty());
         if (receiver && !readRow(element, receiver, m_lines.line()))
             return false;
     }
@@ -55,7 +57,7 @@ bool PlyTextRows::readRow(const PlyElement& element, PlyRowReceiver* receiver,
             receiver->list(i, m_list);
             continue;
         }
-        const std::string_view word = nextWord(line);
+        const std::string_view word = takeWord(line);
         if (word.empty())
             return false;
         receiver->number(i, numberOf(word));
@@ -66,14 +68,14 @@ bool PlyTextRows::readRow(const PlyElement& element, PlyRowReceiver* receiver,
 
 bool PlyTextRows::readList(std::string_view& line) {
     m_list.clear();
-    const std::string_view length = nextWord(line);
+    const std::string_view length = takeWord(line);
     if (length.empty())
         return true;
     const double count = numberOf(length);
     if (!(count >= 0.0))
         return false;
     while (static_cast<double>(m_list.size()) < count) {
-        const std::string_view word = nextWord(line);
+        const std::string_view word = takeWord(line);
         if (word.empty())
             return false;
         m_list.push_back(numberOf(word));
@@ -116,7 +118,8 @@ bool PlyBinaryRows::readList(const PlyProperty& property, bool wanted) {
         return false;
     const double count = take(*property.countType);
     const std::size_t size = sizeOf(property.type);
-    if (!(count >= 0.0 && count <= static_cast<double>(remaining() / size)))
+    const std::size_t most = remaining() / size;
+    if (!(count >= 0.0 && count <= static_cast<double>(most)))
         return false;
     const auto length = static_cast<std::size_t>(count);
     if (!wanted) {

@@ -2,7 +2,7 @@
 
 #include "readers/ByteReader.h"
 #include "readers/PlyHeader.h"
-#include "readers/TextWords.h"
+#include "readers/SeparateLines.h"
 
 #include <cstddef>
 #include <string_view>

@@ -61,7 +61,7 @@ public:
         for (const Mesh3ds& mesh : m_file.meshes)
             sizes[&mesh] = mesh.faces.size() + facesOfGeometry * countGeometries3ds(mesh);
         std::size_t all = 0;
-        for (const Node3ds& node : m_file.nodes)
+        for (const Node3ds& node : m_file.hierarchy.nodes)
             if (const Mesh3ds* mesh = meshOf(node))
                 all += sizes[mesh];
         return all <= mostShown;
@@ -69,12 +69,12 @@ public:
 
     /// Null where there is nothing to show.
     osg::ref_ptr<osg::Node> build() const {
-        if (m_file.nodes.empty())
+        if (m_file.hierarchy.nodes.empty())
             return buildMeshes();
-        if (m_file.roots.size() == 1)
-            return buildNode(m_file.roots.front());
+        if (m_file.hierarchy.roots.size() == 1)
+            return buildNode(m_file.hierarchy.roots.front());
         osg::ref_ptr<osg::Group> model = new osg::Group;
-        for (const std::size_t root : m_file.roots)
+        for (const std::size_t root : m_file.hierarchy.roots)
             addTo(*model, buildNode(root));
         return model;
     }
@@ -104,7 +104,8 @@ private:
         if (!node.parent)
             return isFinite(toWorld) ? toWorld : osg::Matrixd::identity();
         const osg::Matrixd matrix =
-            toWorld * osg::Matrixd::inverse(osg::Matrixd(m_file.nodes[*node.parent].matrix));
+            toWorld *
+            osg::Matrixd::inverse(osg::Matrixd(m_file.hierarchy.nodes[*node.parent].matrix));
         return isFinite(matrix) ? matrix : osg::Matrixd::identity();
     }
 
@@ -128,7 +129,7 @@ private:
     }
 
     osg::ref_ptr<osg::Node> buildNode(std::size_t place) const {
-        const Node3ds& node = m_file.nodes[place];
+        const Node3ds& node = m_file.hierarchy.nodes[place];
         const osg::ref_ptr<osg::Group> group = makeGroup(node);
         for (const std::size_t child : node.children)
             addTo(*group, buildNode(child));
@@ -167,10 +168,9 @@ Reader3ds::Reader3ds() {
     supportsExtension("3ds", "3D Studio model format");
 }
 
-osgDB::ReaderWriter::ReadResult Reader3ds::readBytes(std::string_view bytes,
-                                                     const std::string& fileName,
+osgDB::ReaderWriter::ReadResult Reader3ds::readBytes(FileBytes bytes, const std::string& fileName,
                                                      const osgDB::Options* options) const {
-    const std::optional<File3ds> file = parse3ds(bytes);
+    const std::optional<File3ds> file = parse3ds(bytes.view());
     if (!file)
         return ReadResult::ERROR_IN_READING_FILE;
     const bool hasFolder = options && !options->getDatabasePathList().empty();

@@ -15,7 +15,7 @@ public:
 
     const char* className() const override { return "Reader3ds"; }
 
-    ReadResult readBytes(std::string_view bytes, const std::string& fileName,
+    ReadResult readBytes(FileBytes bytes, const std::string& fileName,
                          const osgDB::Options* options) const override;
 
 protected:

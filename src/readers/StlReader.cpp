@@ -2,6 +2,7 @@
 
 #include "readers/ByteReader.h"
 #include "readers/FacetMesh.h"
+#include "readers/SeparateLines.h"
 #include "readers/TextWords.h"
 
 #include <osg/Geode>
@@ -155,27 +156,11 @@ void addSolid(osg::Group& model, FacetMesh& mesh, const std::string& name) {
     model.addChild(geode);
 }
 
-/// Whether a line's first word is a keyword, in letters of any case.
-bool isKeyword(std::string_view word, std::string_view keyword) {
-    return word.size() == keyword.size() &&
-           std::equal(word.begin(), word.end(), keyword.begin(), [](char letter, char expected) {
-               return std::tolower(static_cast<unsigned char>(letter)) == expected;
-           });
-}
-
 osg::Vec3 vectorOf(std::string_view line) {
     osg::Vec3 vector;
     for (int i = 0; i < 3; ++i)
-        vector[i] = static_cast<float>(numberOf(nextWord(line)));
+        vector[i] = static_cast<float>(numberOf(takeWord(line)));
     return vector;
-}
-
-std::string trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\f\v";
-    const std::size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string_view::npos)
-        return {};
-    return std::string(text.substr(begin, text.find_last_not_of(blanks) - begin + 1));
 }
 
 /// The solids of a text file.
@@ -194,22 +179,22 @@ public:
 
 private:
     void takeLine(std::string_view line) {
-        const std::string_view keyword = nextWord(line);
-        if (isKeyword(keyword, "vertex")) {
+        const std::string_view keyword = takeWord(line);
+        if (isWord(keyword, "vertex")) {
             addCorner(vectorOf(line));
-        } else if (isKeyword(keyword, "facet")) {
+        } else if (isWord(keyword, "facet")) {
             m_isStl = true;
-            nextWord(line);
+            takeWord(line);
             m_facet.normal = vectorOf(line);
             m_facet.normal.normalize();
             m_corners = 0;
             m_inFacet = true;
-        } else if (isKeyword(keyword, "endfacet")) {
+        } else if (isWord(keyword, "endfacet")) {
             m_inFacet = false;
-        } else if (isKeyword(keyword, "solid")) {
+        } else if (isWord(keyword, "solid")) {
             m_isStl = true;
             m_name = trimmed(line);
-        } else if (isKeyword(keyword, "endsolid")) {
+        } else if (isWord(keyword, "endsolid")) {
             addSolid(*m_model, m_mesh, m_name);
             m_name.clear();
             m_inFacet = false;
@@ -248,9 +233,9 @@ StlReader::StlReader() {
     supportsExtension("sta", "Stereolithography format, text");
 }
 
-osgDB::ReaderWriter::ReadResult StlReader::readBytes(std::string_view bytes,
-                                                     const std::string& fileName,
+osgDB::ReaderWriter::ReadResult StlReader::readBytes(FileBytes file, const std::string& fileName,
                                                      const osgDB::Options*) const {
+    const std::string_view bytes = file.view();
     osg::ref_ptr<osg::Group> model;
     if (!isBinary(bytes)) {
         model = TextSolids(bytes).read();

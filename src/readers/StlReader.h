@@ -14,7 +14,7 @@ public:
 
     const char* className() const override { return "StlReader"; }
 
-    ReadResult readBytes(std::string_view bytes, const std::string& fileName,
+    ReadResult readBytes(FileBytes file, const std::string& fileName,
                          const osgDB::Options* options) const override;
 
 protected:

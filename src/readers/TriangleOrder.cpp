@@ -210,7 +210,8 @@ void Ordering::take(std::uint32_t triangle, BestTriangle& best) {
         const auto begin =
             m_trianglesOfVertices.begin() + static_cast<std::ptrdiff_t>(vertex.first);
         // The others keep their order: the first of equal ones is taken.
-        std::remove(begin, begin + static_cast<std::ptrdiff_t>(vertex.waiting), triangle);
+        static_cast<void>(
+            std::remove(begin, begin + static_cast<std::ptrdiff_t>(vertex.waiting), triangle));
         --vertex.waiting;
     }
 }

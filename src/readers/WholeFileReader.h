@@ -1,10 +1,11 @@
 #pragma once
 
+#include "readers/FileBytes.h"
+
 #include <osgDB/Options>
 #include <osgDB/ReaderWriter>
 
 #include <string>
-#include <string_view>
 
 namespace orbisk {
 
@@ -21,11 +22,12 @@ public:
 
     ReadResult readObject(const std::string& file, const osgDB::Options* options) const override;
 
-    /// Makes a model of a file's bytes. Any bytes may come.
+    /// Makes a model of a file's bytes, which are the most that is held and go as soon as they can.
+    /// Any bytes may come.
     /// @param fileName where they come from; what the model refers to is looked for beside it.
     /// @return like `readNode`. Triangles of the model refer to vertices that are there, and its
     /// vertices are finite.
-    virtual ReadResult readBytes(std::string_view bytes, const std::string& fileName,
+    virtual ReadResult readBytes(FileBytes bytes, const std::string& fileName,
                                  const osgDB::Options* options) const = 0;
 
 protected:

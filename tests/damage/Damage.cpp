@@ -29,8 +29,19 @@ private:
     std::uint64_t m_state;
 };
 
-constexpr std::size_t mostChanges = 20;
-constexpr std::size_t longestRun = 400;
+/// How much one damage does at most.
+struct Extent {
+    std::size_t changes; ///< of single bytes or bits
+    std::size_t run;     ///< bytes that are emptied, repeated or left out
+};
+
+constexpr Extent large{20, 400};
+constexpr Extent small{3, 40};
+constexpr std::size_t mostDamages = 6;
+
+/// The first kind of damage cuts a file off, after which little of it may be left.
+constexpr std::size_t kinds = 8;
+constexpr std::size_t filesForOneCut = 6;
 constexpr const char* absurdTexts[] = {"-1",   "0",           "4294967295", "2147483647",  "65536",
                                        "1e39", "-2000000000", "nan",        "99999999999", ""};
 constexpr std::uint32_t absurdNumbers[] = {0xffffffffu, 0x7fffffffu, 0x80000000u, 0x0000ffffu,
@@ -41,19 +52,19 @@ struct Run {
     std::size_t size;
 };
 
-Run chooseRun(const std::string& bytes, Dice& dice) {
+Run chooseRun(const std::string& bytes, std::size_t longest, Dice& dice) {
     const std::size_t begin = dice.below(bytes.size());
-    return {begin, std::min(bytes.size() - begin, 1 + dice.below(longestRun))};
+    return {begin, std::min(bytes.size() - begin, 1 + dice.below(longest))};
 }
 
-void changeBytes(std::string& bytes, Dice& dice) {
-    const std::size_t count = 1 + dice.below(mostChanges);
+void changeBytes(std::string& bytes, std::size_t most, Dice& dice) {
+    const std::size_t count = 1 + dice.below(most);
     for (std::size_t i = 0; i < count; ++i)
         bytes[dice.below(bytes.size())] = static_cast<char>(dice.below(256));
 }
 
-void changeBits(std::string& bytes, Dice& dice) {
-    const std::size_t count = 1 + dice.below(mostChanges);
+void changeBits(std::string& bytes, std::size_t most, Dice& dice) {
+    const std::size_t count = 1 + dice.below(most);
     for (std::size_t i = 0; i < count; ++i) {
         char& byte = bytes[dice.below(bytes.size())];
         byte = static_cast<char>(byte ^ (1 << dice.below(8)));
@@ -77,45 +88,60 @@ void makeWordAbsurd(std::string& bytes, Dice& dice) {
     bytes.replace(first, last, absurdTexts[dice.below(std::size(absurdTexts))]);
 }
 
-} // namespace
-
-std::string damaged(const std::string& bytes, std::uint64_t seed) {
-    if (bytes.empty())
-        return bytes;
-    Dice dice(seed);
-    std::string result = bytes;
-    switch (dice.below(8)) {
+/// @param bytes at least one.
+/// @param kind below `kinds`.
+void damage(std::string& bytes, std::size_t kind, const Extent& extent, Dice& dice) {
+    switch (kind) {
     case 0:
-        result.resize(dice.below(result.size()));
+        bytes.resize(dice.below(bytes.size()));
         break;
     case 1:
-        changeBytes(result, dice);
+        changeBytes(bytes, extent.changes, dice);
         break;
     case 2:
-        changeBits(result, dice);
+        changeBits(bytes, extent.changes, dice);
         break;
     case 3: {
-        const Run run = chooseRun(result, dice);
-        std::fill_n(result.begin() + static_cast<std::ptrdiff_t>(run.begin), run.size, '\0');
+        const Run run = chooseRun(bytes, extent.run, dice);
+        std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(run.begin), run.size, '\0');
         break;
     }
     case 4: {
-        const Run run = chooseRun(result, dice);
-        result.erase(run.begin, run.size);
+        const Run run = chooseRun(bytes, extent.run, dice);
+        bytes.erase(run.begin, run.size);
         break;
     }
     case 5: {
-        const Run run = chooseRun(result, dice);
-        result.insert(dice.below(result.size()), result.substr(run.begin, run.size));
+        const Run run = chooseRun(bytes, extent.run, dice);
+        bytes.insert(dice.below(bytes.size()), bytes.substr(run.begin, run.size));
         break;
     }
     case 6:
-        makeNumberAbsurd(result, dice);
+        makeNumberAbsurd(bytes, dice);
         break;
     default:
-        makeWordAbsurd(result, dice);
+        makeWordAbsurd(bytes, dice);
         break;
     }
+}
+
+} // namespace
+
+std::string damaged(const std::string& bytes, std::uint64_t seed) {
+    Dice dice(seed);
+    std::string result = bytes;
+    if (!result.empty())
+        damage(result, dice.below(kinds), large, dice);
+    return result;
+}
+
+std::string damagedOften(const std::string& bytes, std::uint64_t seed) {
+    Dice dice(seed);
+    std::string result = bytes;
+    for (std::size_t left = 1 + dice.below(mostDamages); left > 0 && !result.empty(); --left)
+        damage(result, 1 + dice.below(kinds - 1), small, dice);
+    if (!result.empty() && dice.below(filesForOneCut) == 0)
+        damage(result, 0, small, dice);
     return result;
 }
 

@@ -10,4 +10,8 @@ namespace orbisk::test {
 /// does the same damage everywhere.
 std::string damaged(const std::string& bytes, std::uint64_t seed);
 
+/// The same several times over with smaller damages, and now and then cut off: for small files, of
+/// which one large damage leaves little.
+std::string damagedOften(const std::string& bytes, std::uint64_t seed);
+
 } // namespace orbisk::test

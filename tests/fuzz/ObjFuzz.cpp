@@ -6,40 +6,14 @@
 #include "readers/ObjFile.h"
 #include "readers/ObjOptions.h"
 #include "readers/ObjScene.h"
+#include "support/MeshFuzzing.h"
 
-#include <osg/Geode>
-#include <osg/Geometry>
 #include <osg/Notify>
 
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
-
-namespace {
-
-void require(bool condition) {
-    if (!condition)
-        std::abort();
-}
-
-void checkGeometry(const osg::Geometry& geometry) {
-    const unsigned int count = geometry.getVertexArray()->getNumElements();
-    for (const auto& primitives : geometry.getPrimitiveSetList())
-        for (unsigned int i = 0; i < primitives->getNumIndices(); ++i)
-            require(primitives->index(i) < count);
-    for (const osg::Array* array :
-         {geometry.getNormalArray(), geometry.getColorArray(), geometry.getTexCoordArray(0)})
-        require(!array || array->getNumElements() == count);
-}
-
-void checkScene(osg::Group& scene) {
-    require(std::isfinite(scene.getBound().radius()));
-    for (unsigned int i = 0; i < scene.getNumChildren(); ++i)
-        checkGeometry(*scene.getChild(i)->asGeode()->getDrawable(0)->asGeometry());
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     osg::setNotifyLevel(osg::ALWAYS);
@@ -54,8 +28,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const char* words : {"", "generateFacetNormals noRotation"}) {
         const orbisk::ObjOptions options = orbisk::ObjOptions::parse(words);
         orbisk::MaterialStates states(materials, options, {}, nullptr);
-        if (const auto scene = orbisk::makeObjScene(*file, options, states))
-            checkScene(*scene);
+        const auto scene = orbisk::makeObjScene(*file, options, states);
+        if (!scene)
+            continue;
+        orbisk::fuzz::requireSafe(*scene);
+        if (!std::isfinite(scene->getBound().radius()))
+            std::abort();
     }
     return 0;
 }

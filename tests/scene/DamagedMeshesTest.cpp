@@ -1,10 +1,10 @@
 // Files that were damaged at random: a reader gives nothing, or a model that can be drawn and
 // picked.
 
+#include "damage/Damage.h"
 #include "readers/PlyReader.h"
 #include "readers/Reader3ds.h"
 #include "readers/StlReader.h"
-#include "support/Damage.h"
 #include "support/DrawnModel.h"
 #include "support/File3dsMaker.h"
 #include "support/ReaderTools.h"
@@ -28,10 +28,10 @@ constexpr int files = 1000;
 /// Damages a file many times over; gives how often there still was a model.
 template <class Reader>
 int readDamaged(const std::string& whole, int times) {
-    std::mt19937 random(11);
     int models = 0;
     for (int i = 0; i < times; ++i) {
-        const osg::ref_ptr<osg::Node> model = readBytes<Reader>(damaged(whole, random));
+        const auto seed = static_cast<std::uint64_t>(i);
+        const osg::ref_ptr<osg::Node> model = readBytes<Reader>(damagedOften(whole, seed));
         if (!model)
             continue;
         ++models;

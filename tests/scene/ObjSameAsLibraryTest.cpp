@@ -2,7 +2,7 @@
 // same order, digit by digit, with the same normals, colours, texture coordinates and state.
 
 #include "readers/ModelReaders.h"
-#include "support/LibraryReader.h"
+#include "support/PackagedReader.h"
 #include "support/SceneDescription.h"
 #include "support/SceneTools.h"
 #include "support/TemporaryFolder.h"
@@ -32,7 +32,7 @@ std::string describe(const osgDB::ReaderWriter& reader, const std::string& file,
 class ObjSameAsLibraryTest : public testing::Test {
 protected:
     void SetUp() override {
-        m_library = libraryReader("obj", "Wavefront OBJ Reader");
+        m_library = packagedReader("obj", "Wavefront OBJ Reader");
         ASSERT_NE(m_library, nullptr);
     }
 

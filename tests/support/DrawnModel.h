@@ -25,7 +25,7 @@ std::ostream& operator<<(std::ostream& out, const DrawnVertex& vertex);
 
 using DrawnTriangle = std::array<DrawnVertex, 3>;
 
-/// What a model shows, in the order of drawing.
+/// What a model shows, in the order of drawing, and how it is stored.
 struct DrawnModel {
     std::vector<DrawnTriangle> triangles; ///< those of quadrangles as OpenGL cuts them
     std::vector<DrawnVertex> points;

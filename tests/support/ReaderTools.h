@@ -14,7 +14,7 @@ namespace orbisk::test {
 template <class Reader>
 osg::ref_ptr<osg::Node> readBytes(const std::string& bytes, const std::string& name = "model") {
     const osg::ref_ptr<Reader> reader = new Reader;
-    return reader->readBytes(bytes, name, nullptr).getNode();
+    return reader->readBytes(FileBytes(bytes), name, nullptr).getNode();
 }
 
 /// The first geometry of a model that is a geode or a group of geodes; null where it has none.

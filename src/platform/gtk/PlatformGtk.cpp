@@ -1,6 +1,5 @@
-#include "platform/Platform.h"
-
 #include "platform/Artwork.h"
+#include "platform/Platform.h"
 #include "platform/RunTimePath.h"
 #include "settings/AppSettings.h"
 
@@ -58,6 +57,7 @@ public:
 /// socket is deleted. The manager of programs without windows hands no event to that loop.
 class AppTraits : public wxGUIAppTraits {
 public:
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): passing over the parent's is the purpose.
     wxFDIOManager* GetFDIOManager() override { return wxAppTraits::GetFDIOManager(); }
 };
 

@@ -59,6 +59,13 @@ private:
     }
 };
 
+/// Ends the process where a model can't be drawn and picked without harm.
+inline void requireSafe(osg::Node& model) {
+    SafetyVisitor visitor;
+    model.accept(visitor);
+    model.getBound();
+}
+
 /// Keeps what a model refers to from being read.
 class NothingElseIsRead : public osgDB::ReadFileCallback {
 public:
@@ -76,12 +83,10 @@ int readAnyBytes(const std::uint8_t* data, std::size_t size) {
         return new Reader;
     }();
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-    const osg::ref_ptr<osg::Node> model = reader->readBytes(bytes, "model", nullptr).getNode();
-    if (model) {
-        SafetyVisitor visitor;
-        model->accept(visitor);
-        model->getBound();
-    }
+    const osg::ref_ptr<osg::Node> model =
+        reader->readBytes(FileBytes(bytes), "model", nullptr).getNode();
+    if (model)
+        requireSafe(*model);
     return 0;
 }
 

@@ -1,8 +1,9 @@
-#include "readers/PolygonSplitter.h"
+#include "readers/PolygonTessellator.h"
+
+#include "readers/PlaneTurn.h"
 
 #include <osg/BoundingBox>
 #include <osg/TriangleIndexFunctor>
-#include <osg/Vec2d>
 #include <osg/Vec3d>
 #include <osgUtil/Tessellator>
 
@@ -53,10 +54,6 @@ struct Side {
     osg::Vec2d left;
     osg::Vec2d right;
 };
-
-double turn(const osg::Vec2d& a, const osg::Vec2d& b, const osg::Vec2d& c) {
-    return (b.x() - a.x()) * (c.y() - a.y()) - (b.y() - a.y()) * (c.x() - a.x());
-}
 
 bool cross(const Side& s, const Side& t) {
     const auto apart = [](double a, double b, double c, double d) {
@@ -114,7 +111,7 @@ std::optional<std::size_t> crossings(const osg::Vec3Array& outline, std::size_t 
 
 } // namespace
 
-bool PolygonSplitter::isFan(const std::vector<osg::Vec3>& outline) {
+bool PolygonTessellator::isFan(const std::vector<osg::Vec3>& outline) {
     // Nearer to 0 than this, rounding could make the tessellator find the other sign.
     constexpr double clearly = 1e-9;
     if (outline.size() > mostCornersOfFan)
@@ -132,7 +129,7 @@ bool PolygonSplitter::isFan(const std::vector<osg::Vec3>& outline) {
     return std::all_of(areas.begin(), areas.end(), isAlongSum);
 }
 
-std::vector<std::uint32_t> PolygonSplitter::split(osg::Geometry& polygon) {
+std::vector<std::uint32_t> PolygonTessellator::split(osg::Geometry& polygon) {
     const auto& outline = static_cast<const osg::Vec3Array&>(*polygon.getVertexArray());
     const auto count = static_cast<std::uint32_t>(outline.size());
     const std::size_t most = std::min(mostCrossingsOfCorner * count, mostCrossings - m_crossings);

@@ -1,6 +1,6 @@
-#include "readers/PolygonFilling.h"
+#include "readers/PolygonEars.h"
 
-#include <osg/Vec2d>
+#include "readers/PlaneTurn.h"
 
 #include <cmath>
 #include <numeric>
@@ -14,11 +14,6 @@ using Points = std::vector<osg::Vec2d>;
 
 /// Ears are found in quadratic time; a file may hold polygons of a million corners.
 constexpr std::size_t mostCornersForEars = 64;
-
-/// Twice the signed area of a triangle.
-double turn(const osg::Vec2d& a, const osg::Vec2d& b, const osg::Vec2d& c) {
-    return (b.x() - a.x()) * (c.y() - a.y()) - (b.y() - a.y()) * (c.x() - a.x());
-}
 
 /// The polygon seen from where it turns to the left, along the axis that it shows most of itself
 /// to.
@@ -69,6 +64,25 @@ bool isEar(const Points& points, const Places& left, std::size_t at) {
     return true;
 }
 
+/// Moves ears from what is left of the polygon to the triangles, as long as there are any.
+void takeEars(const Points& points, Places& left, Places& triangles) {
+    std::size_t at = 0;
+    // Once round without an ear, and the outline isn't a simple one.
+    for (std::size_t tried = 0; tried < left.size() && left.size() > 3;) {
+        if (!isEar(points, left, at)) {
+            at = (at + 1) % left.size();
+            ++tried;
+            continue;
+        }
+        const std::size_t count = left.size();
+        triangles.insert(triangles.end(),
+                         {left[(at + count - 1) % count], left[at], left[(at + 1) % count]});
+        left.erase(left.begin() + static_cast<std::ptrdiff_t>(at));
+        at %= left.size();
+        tried = 0;
+    }
+}
+
 void addFan(const Places& left, Places& triangles) {
     for (std::size_t i = 1; i + 1 < left.size(); ++i)
         triangles.insert(triangles.end(), {left[0], left[i], left[i + 1]});
@@ -76,29 +90,14 @@ void addFan(const Places& left, Places& triangles) {
 
 } // namespace
 
-std::vector<std::size_t> fillPolygon(const std::vector<osg::Vec3d>& corners) {
+std::vector<std::size_t> cutIntoEars(const std::vector<osg::Vec3d>& corners) {
     Places left(corners.size());
     std::iota(left.begin(), left.end(), 0);
     Places triangles;
     if (corners.size() > 3 && corners.size() <= mostCornersForEars) {
         const Points points = project(corners);
-        if (!isConvex(points)) {
-            std::size_t at = 0;
-            // Once round without an ear, and the outline isn't a simple one.
-            for (std::size_t tried = 0; tried < left.size() && left.size() > 3;) {
-                if (!isEar(points, left, at)) {
-                    at = (at + 1) % left.size();
-                    ++tried;
-                    continue;
-                }
-                const std::size_t count = left.size();
-                triangles.insert(triangles.end(), {left[(at + count - 1) % count], left[at],
-                                                   left[(at + 1) % count]});
-                left.erase(left.begin() + static_cast<std::ptrdiff_t>(at));
-                at %= left.size();
-                tried = 0;
-            }
-        }
+        if (!isConvex(points))
+            takeEars(points, left, triangles);
     }
     addFan(left, triangles);
     return triangles;

@@ -12,8 +12,9 @@ namespace orbisk {
 /// Splits polygons of any shape into triangles as the library's `osgUtil::Tessellator` does, which
 /// it uses. One object splits the polygons of one file, and sees to it that all of them together
 /// take no longer than a file may: where polygons cross themselves more often than a file with
-/// something to show has them do, the rest is split as if it were convex.
-class PolygonSplitter {
+/// something to show has them do, the rest is split as if it were convex. For polygons that need no
+/// more than their own corners `cutIntoEars` is simpler and faster.
+class PolygonTessellator {
 public:
     /// Whether the triangles from the first corner to each side are what splitting gives.
     static bool isFan(const std::vector<osg::Vec3>& outline);

@@ -1,4 +1,4 @@
-#include "readers/PolygonFilling.h"
+#include "readers/PolygonEars.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using Outline = std::vector<osg::Vec3d>;
 
 /// The sum of the triangles' areas, where they turn as `up` says; less where some turn back.
 double filledArea(const Outline& outline, const osg::Vec3d& up) {
-    const std::vector<std::size_t> places = fillPolygon(outline);
+    const std::vector<std::size_t> places = cutIntoEars(outline);
     EXPECT_EQ(places.size(), 3 * (outline.size() - 2));
     double area = 0.0;
     for (std::size_t i = 0; i + 2 < places.size(); i += 3) {
@@ -28,12 +28,12 @@ double filledArea(const Outline& outline, const osg::Vec3d& up) {
 
 } // namespace
 
-TEST(PolygonFillingTest, ConvexPolygonIsAFanFromItsFirstCorner) {
+TEST(PolygonEarsTest, ConvexPolygonIsAFanFromItsFirstCorner) {
     const Outline pentagon = {{0, 0, 0}, {2, 0, 0}, {3, 1, 0}, {2, 2, 0}, {0, 2, 0}};
-    EXPECT_EQ(fillPolygon(pentagon), (std::vector<std::size_t>{0, 1, 2, 0, 2, 3, 0, 3, 4}));
+    EXPECT_EQ(cutIntoEars(pentagon), (std::vector<std::size_t>{0, 1, 2, 0, 2, 3, 0, 3, 4}));
 }
 
-TEST(PolygonFillingTest, ConcavePolygonIsFilledAndNoMore) {
+TEST(PolygonEarsTest, ConcavePolygonIsFilledAndNoMore) {
     // The fan from the first corner would cover what is cut out.
     const Outline angle = {{0, 2, 0}, {0, 0, 0}, {3, 0, 0}, {3, 1, 0}, {1, 1, 0}, {1, 2, 0}};
     EXPECT_DOUBLE_EQ(filledArea(angle, {0, 0, 1}), 4.0);
@@ -41,7 +41,7 @@ TEST(PolygonFillingTest, ConcavePolygonIsFilledAndNoMore) {
     EXPECT_DOUBLE_EQ(filledArea(turned, {0, 0, -1}), 4.0);
 }
 
-TEST(PolygonFillingTest, RandomStarsAreFilledInAnyPlane) {
+TEST(PolygonEarsTest, RandomStarsAreFilledInAnyPlane) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> radius(0.2, 1.0);
     for (int round = 0; round < 200; ++round) {
@@ -68,20 +68,20 @@ TEST(PolygonFillingTest, RandomStarsAreFilledInAnyPlane) {
     }
 }
 
-TEST(PolygonFillingTest, CrossingOutlineIsFilledSomehow) {
+TEST(PolygonEarsTest, CrossingOutlineIsFilledSomehow) {
     const Outline bow = {{0, 0, 0}, {1, 1, 0}, {1, 0, 0}, {0, 1, 0}, {-1, 0.5, 0}};
-    EXPECT_EQ(fillPolygon(bow).size(), 9u);
+    EXPECT_EQ(cutIntoEars(bow).size(), 9u);
 }
 
-TEST(PolygonFillingTest, PolygonOfOnePlaceIsFilledSomehow) {
-    EXPECT_EQ(fillPolygon(Outline(7, osg::Vec3d(1, 2, 3))).size(), 15u);
+TEST(PolygonEarsTest, PolygonOfOnePlaceIsFilledSomehow) {
+    EXPECT_EQ(cutIntoEars(Outline(7, osg::Vec3d(1, 2, 3))).size(), 15u);
 }
 
-TEST(PolygonFillingTest, AMillionCornersAreAFan) {
+TEST(PolygonEarsTest, AMillionCornersAreAFan) {
     Outline comb;
     for (int i = 0; i < 1'000'000; ++i)
         comb.emplace_back(i, i % 2, 0);
-    EXPECT_EQ(fillPolygon(comb).size(), 3u * 999'998u);
+    EXPECT_EQ(cutIntoEars(comb).size(), 3u * 999'998u);
 }
 
 } // namespace orbisk::test
