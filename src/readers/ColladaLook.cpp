@@ -163,6 +163,17 @@ private:
     bool m_areShort = false;
 };
 
+/// Whether the element takes something from another document. The reader would open whatever stands
+/// there, a device as well, and neither that document nor a circle of them was looked at.
+bool refersElsewhere(xmlTextReader* reader) {
+    for (const char* attribute : {"url", "source"}) {
+        const std::string address = attributeOf(reader, attribute);
+        if (!address.empty() && address.front() != '#')
+            return true;
+    }
+    return false;
+}
+
 void ignoreErrors(void*, const char*, xmlParserSeverities, xmlTextReaderLocatorPtr) {}
 
 } // namespace
@@ -189,6 +200,8 @@ std::optional<std::string> colladaRefusal(const std::string& path) {
         const int depth = xmlTextReaderDepth(reader.get());
         if (depth > deepestElement)
             return "elements are nested too deeply";
+        if (refersElsewhere(reader.get()))
+            return "documents that refer to others are not read";
         const auto* name = reinterpret_cast<const char*>(xmlTextReaderConstLocalName(reader.get()));
         const std::string element = name ? name : "";
         nodes.begin(reader.get(), element, depth);

@@ -9,9 +9,11 @@
 #include <osg/Texture>
 #include <osgDB/FileNameUtils>
 #include <osgDB/FileUtils>
+#include <osgDB/ReadFile>
 #include <osgDB/Registry>
 #include <osgDB/WriteFile>
 
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -89,6 +91,19 @@ Encoding encode(const osg::Image& image, const fs::path& file) {
     return osgDB::writeImageFile(image, file.string()) ? Encoding::Done : Encoding::Unknown;
 }
 
+/// Whether a file is what the image was read from. Its name alone says nothing: it came with the
+/// model, and may be that of any file of the user's.
+bool holdsImage(const std::string& file, const osg::Image& image) {
+    const osg::ref_ptr<const osg::Image> other = osgDB::readRefImageFile(file);
+    if (!other || !other->data() || !image.data())
+        return false;
+    return other->s() == image.s() && other->t() == image.t() && other->r() == image.r() &&
+           other->getPixelFormat() == image.getPixelFormat() &&
+           other->getDataType() == image.getDataType() &&
+           other->getTotalSizeInBytes() == image.getTotalSizeInBytes() &&
+           std::memcmp(other->data(), image.data(), image.getTotalSizeInBytes()) == 0;
+}
+
 } // namespace
 
 ImagesBeside::ImagesBeside(const std::string& path, const std::string& sourceFolder)
@@ -109,7 +124,8 @@ bool ImagesBeside::place(osg::Node& model) {
     ImageCollector collector;
     model.accept(collector);
     for (osg::Image* image : collector.images) {
-        const std::string source = osgDB::findDataFile(image->getFileName(), m_lookup.get());
+        const std::string named = osgDB::findDataFile(image->getFileName(), m_lookup.get());
+        const std::string source = holdsImage(named, *image) ? named : std::string();
         const std::string name = nameFor(*image, source);
         if (!makeFile(*image, source, name))
             return false;
@@ -150,7 +166,7 @@ bool ImagesBeside::makeFile(const osg::Image& image, const std::string& source,
                             const std::string& name) {
     const fs::path target = m_folder + name;
     std::error_code error;
-    if (fs::exists(target, error))
+    if (fs::exists(target, error) || !image.data())
         return true;
     if (!source.empty()) {
         if (!copyFile(source, target))

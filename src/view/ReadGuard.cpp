@@ -42,7 +42,10 @@ public:
 
     bool contains(const std::string& name) {
         const std::lock_guard lock(m_mutex);
-        return !m_path.empty() && name.compare(0, m_path.size(), m_path) == 0;
+        const auto isSlash = [](char letter) { return letter == '/' || letter == '\\'; };
+        return !m_path.empty() && name.size() > m_path.size() &&
+               name.compare(0, m_path.size(), m_path) == 0 && isSlash(name[m_path.size()]) &&
+               name.find("..") == std::string::npos;
     }
 
 private:

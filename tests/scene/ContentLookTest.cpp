@@ -71,6 +71,15 @@ TEST_F(ContentLookTest, ColladaWithSharedNodesIsFine) {
     EXPECT_TRUE(isColladaFine("<node id='a'><node><node/></node><node/></node>"));
 }
 
+TEST_F(ContentLookTest, ColladaThatTakesSomethingFromAnotherDocumentIsRefused) {
+    for (const char* address : {"other.dae#a", "file:///dev/ptmx#a", "/dev/ptmx#a", "//host/a#b"}) {
+        const std::string url = std::string("'") + address + "'/></node>";
+        EXPECT_FALSE(isColladaFine("<node id='n'><instance_node url=" + url)) << address;
+        EXPECT_FALSE(isColladaFine("<node id='n'><input source=" + url)) << address;
+    }
+    EXPECT_TRUE(isColladaFine("<node id='n'><instance_node url='#c'/><input source='#d'/></node>"));
+}
+
 TEST_F(ContentLookTest, ColladaNodeInsideItselfIsRefused) {
     EXPECT_FALSE(isColladaFine("<node id='a'><instance_node url='#a'/></node>"));
     EXPECT_FALSE(

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 #include <osg/Texture2D>
+#include <osgDB/ReadFile>
 #include <osgDB/WriteFile>
 #include <unistd.h>
 
@@ -272,6 +273,25 @@ TEST_F(ModelSavingTest, ThreeDsLeavesTheOriginalImageAsItIs) {
     EXPECT_EQ(entriesOf("."), (Names{"model.3ds", "a_long_name_of_an_image.png"}));
     EXPECT_EQ(readFile("a_long_name_of_an_image.png"), original);
     EXPECT_NE(readFile("model.3ds").find("a_long_name_of_an_image.png"), std::string::npos);
+}
+
+TEST_F(ModelSavingTest, PictureNamedAfterAnotherFileOfTheUsersIsSavedAsItIsSeen) {
+    // A model from elsewhere brings its picture along and says that it is called so.
+    writeFile("private.key", "nobody else's");
+    ASSERT_TRUE(osgDB::writeImageFile(*makeImage({1, 2, 3, 255}, 4), "private.png"));
+    for (const char* name : {"private.key", "private.png"}) {
+        const osg::ref_ptr<osg::Geode> model = geodeOf(surveyedTriangles(1, false));
+        const osg::ref_ptr<osg::Image> image = makeImage({10, 200, 30, 255}, 4);
+        image->setFileName(name);
+        addTexture(*model->getDrawable(0)->getOrCreateStateSet(), image);
+        const std::string folder = std::string("saved.") + name;
+        fs::create_directory(folder);
+        ASSERT_TRUE(save(*model, folder + "/model.osgb"));
+        const osg::ref_ptr<osg::Image> saved = osgDB::readRefImageFile(folder + "/private.png");
+        ASSERT_NE(saved, nullptr) << name;
+        EXPECT_EQ(saved->getColor(0, 0), image->getColor(0, 0)) << name;
+        EXPECT_EQ(entriesOf(folder), (Names{"model.osgb", "private.png"})) << name;
+    }
 }
 
 TEST_F(ModelSavingTest, SavingOverTheOpenedFileItselfIsSafe) {

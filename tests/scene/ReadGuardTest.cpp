@@ -215,6 +215,13 @@ TEST_F(ReadGuardTest, SharesAreReadOnlyBesideTheModel) {
     EXPECT_FALSE(osgDB::Registry::instance()->readNode(share, nullptr).validNode());
     EXPECT_NE(readModel(share), nullptr);
     EXPECT_TRUE(osgDB::Registry::instance()->readNode(share, nullptr).validNode());
+    // Neither a folder whose name only begins like the model's nor one above it.
+    const std::string folder = "/" + m_folder.path().string();
+    trustFolderOf(folder.substr(0, folder.size() - 1) + "/model.osgb");
+    EXPECT_FALSE(osgDB::Registry::instance()->readNode(share, nullptr).validNode());
+    trustFolderOf(folder + "/inner/model.osgb");
+    const std::string above = folder + "/inner/../tile.osgb";
+    EXPECT_FALSE(osgDB::Registry::instance()->readNode(above, nullptr).validNode());
 }
 
 TEST_F(ReadGuardTest, EveryInstalledPluginWasLookedAt) {
