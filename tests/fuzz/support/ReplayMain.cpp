@@ -42,7 +42,8 @@ int main(int argc, char** argv) {
     std::vector<fs::path> files;
     for (int i = 1; i < argc; ++i)
         for (const fs::path& file : filesOf(fs::absolute(argv[i])))
-            files.push_back(file);
+            if (fs::exists(file))
+                files.push_back(file);
     if (files.empty()) {
         std::fprintf(stderr, "%s: no inputs\n", argv[0]);
         return EXIT_FAILURE;
