@@ -61,8 +61,7 @@ Result failure(const osgDB::InputStream& stream) {
     return exception.getError() + " At " + exception.getField();
 }
 
-using Content =
-    std::function<osg::ref_ptr<osg::Object>(osgDB::InputStream&, osgDB::InputStream::ReadType)>;
+using Content = std::function<osg::ref_ptr<osg::Object>(osgDB::InputStream&, int type)>;
 
 /// Reads a file; `content` reads what comes after its head.
 Result read(const osgDB::ReaderWriter& reader, const std::string& name,
@@ -79,7 +78,8 @@ Result read(const osgDB::ReaderWriter& reader, const std::string& name,
         return Result::FILE_NOT_HANDLED;
     const osg::ref_ptr<osgDB::Options> beside = optionsBeside(path, extension, options);
     osgDB::InputStream stream(beside);
-    const osgDB::InputStream::ReadType type = stream.start(input);
+    // A number of the file's, which need not be one of the enumeration.
+    const int type = static_cast<int>(stream.start(input));
     if (!stream.getException())
         stream.decompress();
     if (stream.getException())

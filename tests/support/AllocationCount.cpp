@@ -42,3 +42,8 @@ void operator delete(void* memory, std::size_t) noexcept {
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
+
+// With the address sanitizer too, memory that is not to be had is std::bad_alloc, not the end.
+extern "C" const char* __asan_default_options() { // NOLINT(bugprone-reserved-identifier)
+    return "allocator_may_return_null=1";
+}
