@@ -23,8 +23,10 @@ std::string lastLine(std::string text) {
     return text.substr(text.rfind('\n') + 1);
 }
 
-Opening run(const char* helper, std::vector<std::string> arguments,
+Opening run(const char* helper, std::vector<std::string> arguments, Purpose purpose,
             const std::filesystem::path& folder) {
+    if (purpose == Purpose::Measure)
+        arguments.emplace_back("measure");
     arguments.insert(arguments.begin(),
                      (std::filesystem::path(ORBISK_BENCH_HELPERS_DIR) / helper).string());
     std::istringstream printed(lastLine(ChildProcess(arguments, folder).output()));
@@ -43,14 +45,14 @@ FirstFrame::FirstFrame() : m_model(writeLargeModel(m_folder.path())) {
     m_first = inProgram();
 }
 
-Opening FirstFrame::inProgram() const {
-    return run("OpenInProgram", {m_model.string()}, m_folder.path());
+Opening FirstFrame::inProgram(Purpose purpose) const {
+    return run("OpenInProgram", {m_model.string()}, purpose, m_folder.path());
 }
 
-Opening FirstFrame::inLibrary() const {
+Opening FirstFrame::inLibrary(Purpose purpose) const {
     return run("OpenInLibrary",
                {m_model.string(), std::to_string(m_first.width), std::to_string(m_first.height)},
-               m_folder.path());
+               purpose, m_folder.path());
 }
 
 } // namespace orbisk::bench

@@ -14,6 +14,12 @@ struct Opening {
     int height = 0; ///< of the view, pixels
 };
 
+/// What a model is opened for.
+enum class Purpose {
+    Look,
+    Measure ///< with the trees ready that make picking fast
+};
+
 /// Opens the large model in the program and in the library's own viewer, each time in a new
 /// process, from a file that the machine has in its memory.
 class FirstFrame {
@@ -21,8 +27,8 @@ public:
     /// Writes the model, and opens it once to have the size of the view.
     FirstFrame();
 
-    Opening inProgram() const;
-    Opening inLibrary() const;
+    Opening inProgram(Purpose purpose = Purpose::Look) const;
+    Opening inLibrary(Purpose purpose = Purpose::Look) const;
 
 private:
     WorkFolder m_folder;

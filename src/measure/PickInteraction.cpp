@@ -63,6 +63,8 @@ void PickInteraction::setMode(Mode mode, bool on) {
     m_polygonMeasure.reset();
     m_pointer.reset();
     m_drawing.hide();
+    if (on && m_surface)
+        m_surface->prepare();
 }
 
 std::optional<osg::Vec3d> PickInteraction::pick(CanvasPixel pixel) {

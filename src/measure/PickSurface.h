@@ -10,6 +10,9 @@ class PickSurface {
 public:
     virtual ~PickSurface() = default;
 
+    /// Gets ready for picks to come. Returns at once; picks are right without it, but slower.
+    virtual void prepare() = 0;
+
     /// The point of the model's surface at a position. Throws `std::out_of_range` on a model whose
     /// primitives go beyond their indices.
     /// @param point is left as it was where the model is not hit.

@@ -29,6 +29,8 @@ public:
     /// @param index makes picking fast and changes no result; outlives the picker; may be null.
     explicit Picker(PickView view, PickIndex* index = nullptr);
 
+    void prepare() override;
+
     bool pickPoint(double x, double y, osg::Vec3d& point) override;
 
     /// The world's origin without a camera.
@@ -36,6 +38,7 @@ public:
 
 private:
     CanvasPosition position(double x, double y) const;
+    osg::ref_ptr<osg::Node> model() const;
 
     PickView m_view;
     PickIndex* m_index;

@@ -54,7 +54,6 @@ void Viewer::showModel(osg::Node& model, OSGCanvas& canvas, double fovy, bool sk
         m_viewer->setCameraManipulator(m_trackball, false);
     canvas.setViewer(m_viewer.get());
     m_viewer->home();
-    m_pickIndex.add(model);
 }
 
 void Viewer::detachCanvas() {

@@ -25,6 +25,8 @@ constexpr double nearPlane = -100.0;
 /// A plane of pixels: (x, y) is hit at (x, y, 0), but for what was said to be elsewhere.
 class PixelPlane : public PickSurface {
 public:
+    void prepare() override { ++preparations; }
+
     bool pickPoint(double x, double y, osg::Vec3d& point) override {
         ++picks;
         if (damaged)
@@ -41,6 +43,7 @@ public:
     std::map<std::pair<int, int>, osg::Vec3d> places;
     bool damaged = false;
     int picks = 0;
+    int preparations = 0;
 };
 
 /// Writes down what it is told.
@@ -145,6 +148,15 @@ TEST_F(PickInteractionTest, ClicksWithoutAModeMeasureNothing) {
     EXPECT_EQ(m_plane.picks, 0);
     EXPECT_TRUE(m_set.points.empty());
     EXPECT_TRUE(menu().empty());
+}
+
+TEST_F(PickInteractionTest, SurfaceIsPreparedWhenAModeBeginsAndNotBefore) {
+    EXPECT_EQ(m_plane.preparations, 0);
+    m_interaction.setLineMode(true);
+    EXPECT_EQ(m_plane.preparations, 1);
+    m_interaction.setLineMode(false);
+    m_interaction.endMode();
+    EXPECT_EQ(m_plane.preparations, 1);
 }
 
 TEST_F(PickInteractionTest, AtMostOneModeIsOn) {

@@ -1,5 +1,6 @@
 #include "measure/Picker.h"
 
+#include "measure/PickIndex.h"
 #include "support/PickTools.h"
 #include "support/SceneTools.h"
 #include "view/SceneRoot.h"
@@ -30,8 +31,8 @@ protected:
         m_camera->setViewMatrixAsLookAt(eye, center, {0, 1, 0});
     }
 
-    Picker makePicker() {
-        return Picker({m_camera.get(), m_switch.get(), [] { return canvas.h; }, {}});
+    Picker makePicker(PickIndex* index = nullptr) {
+        return Picker({m_camera.get(), m_switch.get(), [] { return canvas.h; }, {}}, index);
     }
 
     /// Where a point of the world is seen on the canvas.
@@ -128,6 +129,29 @@ TEST_F(PickerTest, OutOfRangeIndexReachesTheCaller) {
     osg::Vec3d point(1, 2, 3);
     EXPECT_THROW(makePicker().pickPoint(400, 300, point), std::out_of_range);
     EXPECT_EQ(point, osg::Vec3d(1, 2, 3));
+}
+
+TEST_F(PickerTest, PreparingBuildsTheModelsTreesOnce) {
+    m_switch->addChild(makeSurface(10, 20, [](double, double) { return 0.0; }));
+    PickIndex index;
+    Picker picker = makePicker(&index);
+    EXPECT_EQ(index.treeCount(), 0u);
+    for (int i = 0; i < 2; ++i) {
+        picker.prepare();
+        index.finish();
+        EXPECT_EQ(index.treeCount(), 1u);
+    }
+}
+
+TEST_F(PickerTest, PreparingWithoutAModelOrAnIndexDoesNothing) {
+    PickIndex index;
+    makePicker(&index).prepare();
+    index.finish();
+    EXPECT_EQ(index.treeCount(), 0u);
+    m_switch->addChild(makeQuad(40));
+    makePicker().prepare();
+    osg::Vec3d point;
+    EXPECT_TRUE(makePicker().pickPoint(400, 300, point));
 }
 
 TEST_F(PickerTest, NearPointIsTheOneOfTheCamera) {
