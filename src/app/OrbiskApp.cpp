@@ -42,17 +42,6 @@ void loadSettingsOrEnd() {
     std::_Exit(EXIT_FAILURE);
 }
 
-/// Opens the model of the start once the frame has its place on the display, or the progress dialog
-/// would not know where to stand.
-void openOnceShown(OrbiskFrame& frame) {
-    frame.Bind(wxEVT_SHOW, [&frame](wxShowEvent& event) {
-        event.Skip();
-        const wxString path = std::exchange(modelAtStart(), wxString());
-        if (event.IsShown() && !path.empty())
-            frame.CallAfter([&frame, path] { frame.CallAfter(&OrbiskFrame::openFile, path); });
-    });
-}
-
 } // namespace
 
 void OrbiskApp::openAtStart(const wxString& path) {
@@ -67,8 +56,7 @@ bool OrbiskApp::OnInit() {
     wxSocketBase::Initialize();
     wxInitAllImageHandlers();
     auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
-    if (!modelAtStart().empty())
-        openOnceShown(*frame);
+    frame->openOnceSeen(std::exchange(modelAtStart(), wxString()));
     frame->Show(true);
     SetTopWindow(frame);
     return true;

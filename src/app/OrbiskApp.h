@@ -17,7 +17,7 @@ public:
     /// Installs the texts of the settings' language.
     void setUpLocale();
 
-    /// A model to open once the frame is shown, as if chosen from the menu. Before `OnInit`.
+    /// A model to open once the frame was seen, as if chosen from the menu. Before `OnInit`.
     static void openAtStart(const wxString& path);
 
 protected:

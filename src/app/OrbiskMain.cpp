@@ -297,8 +297,14 @@ void OrbiskFrame::onTip(wxThreadEvent& event) {
         showWaitingTip();
 }
 
+void OrbiskFrame::openOnceSeen(const wxString& path) {
+    m_pathAtStart = path;
+}
+
 void OrbiskFrame::wasSeen() {
     m_seen = true;
+    if (const wxString path = std::exchange(m_pathAtStart, wxString()); !path.empty())
+        openFile(path);
     showWaitingTip();
 }
 

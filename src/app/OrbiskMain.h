@@ -30,6 +30,10 @@ public:
     /// second one is started.
     void openFile(const wxString& path);
 
+    /// Opens `path`, if it names anything, as soon as the frame has been painted: the progress
+    /// dialog would not know where to stand before, and the frame behind it would be blank.
+    void openOnceSeen(const wxString& path);
+
     /// Builds or refreshes the view after a load has ended.
     void createOSGViewer();
 
@@ -105,6 +109,7 @@ private:
     std::unique_ptr<Tips> m_tips;
     /// Before the frame was seen for the first time, a dialog could not tell where to stand.
     bool m_seen = false;
+    wxString m_pathAtStart;
     bool m_tipWaits = false;
     bool m_closeAfterLoad = false;
 
