@@ -1,9 +1,12 @@
+#include "app/InitPanel.h"
 #include "app/OrbiskApp.h"
 #include "app/RecentFiles.h"
 #include "support/GuiTest.h"
 #include "support/TestModels.h"
 
 #include <wx/filedlg.h>
+
+#include <optional>
 
 namespace orbisk::test {
 
@@ -124,6 +127,27 @@ TEST_F(OpenCommandTest, SaveWritesTheModelAndKeepsShowingIt) {
     EXPECT_NE(frame()->loader().modelNode(), model);
 }
 
+TEST_F(OpenCommandTest, NameWithoutExtensionGetsThatOfTheFilter) {
+    start();
+    load(writeTestModel());
+    chooseInNextFileDialog((std::filesystem::current_path() / "copy").string());
+    choose(Command::Save);
+    EXPECT_TRUE(std::filesystem::exists("copy.osg"));
+    EXPECT_FALSE(std::filesystem::exists("copy"));
+}
+
+TEST_F(OpenCommandTest, FileIsNotReplacedForANameThatWasNotAskedAbout) {
+    start();
+    load(writeTestModel());
+    writeFile("copy.osg", "of the user's");
+    chooseInNextFileDialog((std::filesystem::current_path() / "copy").string());
+    SeenDialog again;
+    cancelNextFileDialog(again);
+    choose(Command::Save);
+    EXPECT_TRUE(again.seen);
+    EXPECT_EQ(readFile("copy.osg"), "of the user's");
+}
+
 TEST_F(OpenCommandTest, CancelledSaveWritesNothing) {
     start();
     load(writeTestModel());
@@ -154,6 +178,21 @@ TEST_F(OpenCommandTest, CommandLineModelOpensAtTheStart) {
     ASSERT_TRUE(runUntil([] { return frame()->viewer().exists(); }, 60.0));
     EXPECT_EQ(appSettings().path_recent, std::vector<std::string>{path});
     EXPECT_EQ(frame()->welcomePanel(), nullptr);
+}
+
+TEST_F(OpenCommandTest, CommandLineModelIsNotReadBeforeTheFrameWasPainted) {
+    writeSettings(R"({"x":40,"y":40,"w":900,"h":700})", languageEnglish);
+    OrbiskApp::openAtStart(writeTestModel());
+    ASSERT_TRUE(wxTheApp->CallOnInit());
+    std::optional<bool> loadingAtFirstPaint;
+    frame()->welcomePanel()->Bind(wxEVT_PAINT, [&](wxPaintEvent& event) {
+        event.Skip();
+        if (!loadingAtFirstPaint)
+            loadingAtFirstPaint = frame()->loader().isLoading();
+    });
+    ASSERT_TRUE(runUntil([&] { return loadingAtFirstPaint || frame()->loader().isLoading(); }));
+    EXPECT_EQ(loadingAtFirstPaint, false);
+    ASSERT_TRUE(runUntil([] { return frame()->viewer().exists(); }, 60.0));
 }
 
 } // namespace orbisk::test

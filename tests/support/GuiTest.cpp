@@ -13,6 +13,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <iterator>
 #include <optional>
@@ -47,11 +48,11 @@ std::size_t entryCount(const char* folder) {
 /// among them, fails the test and is not shown: nobody would close it.
 class DialogActor : public wxModalDialogHook {
 public:
-    void actOnNext(std::function<void(wxDialog&)> act) { m_act = std::move(act); }
+    void actOnNext(std::function<void(wxDialog&)> act) { m_acts.push_back(std::move(act)); }
 
     void answerNext(int answer) { m_answer = answer; }
 
-    bool isAwaiting() const { return m_act || m_answer; }
+    bool isAwaiting() const { return !m_acts.empty() || m_answer; }
 
 protected:
     int Enter(wxDialog* dialog) override {
@@ -60,12 +61,13 @@ protected:
             return wxID_NONE;
         if (m_answer)
             return *std::exchange(m_answer, std::nullopt);
-        if (!m_act) {
+        if (m_acts.empty()) {
             ADD_FAILURE() << "unexpected dialog: " << dialog->GetTitle().utf8_str();
             return wxID_CANCEL;
         }
         m_shown = dialog;
-        dialog->CallAfter([act = std::exchange(m_act, nullptr), dialog] { act(*dialog); });
+        dialog->CallAfter([act = std::move(m_acts.front()), dialog] { act(*dialog); });
+        m_acts.pop_front();
         return wxID_NONE;
     }
 
@@ -73,7 +75,7 @@ protected:
 
 private:
     wxDialog* m_shown = nullptr;
-    std::function<void(wxDialog&)> m_act;
+    std::deque<std::function<void(wxDialog&)>> m_acts;
     std::optional<int> m_answer;
 };
 

@@ -84,7 +84,8 @@ protected:
     /// Path of a sample model in the stage.
     static std::string sample(const std::string& name);
 
-    /// While the next modal dialog is up, runs `act` on it; `act` must end it.
+    /// While the next modal dialog is up, runs `act` on it; `act` must end it. Called again before
+    /// that, it is for the dialog after.
     static void withNextDialog(std::function<void(wxDialog&)> act);
 
     /// The next modal dialog is not shown but gets this answer.
