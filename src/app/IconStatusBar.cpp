@@ -49,6 +49,7 @@ void IconStatusBar::buildPanel(const wxRect& field) {
                           wxBORDER_NONE | wxTAB_TRAVERSAL);
     auto* logo = new wxBitmapButton(m_panel, logoButtonId, logoOfHeight(ToDIP(field.height)),
                                     wxDefaultPosition, wxDefaultSize, wxBORDER_NONE);
+    platform::nameForScreenReaders(*logo, wxString::FromUTF8(webAddress()));
     auto* link = new wxButton(m_panel, linkButtonId, wxString::FromUTF8(webAddress()),
                               wxDefaultPosition, wxDefaultSize, wxBORDER_NONE | wxBU_EXACTFIT);
     link->SetForegroundColour(linkColour);

@@ -134,6 +134,7 @@ wxSizer* InitPanel::buildCaptionedButton(const char* icon, const wxString& capti
     auto* button =
         new wxBitmapButton(m_page, wxID_ANY, platform::iconResource(icon, buttonIconSide));
     button->SetToolTip(caption);
+    platform::nameForScreenReaders(*button, caption);
     button->Bind(wxEVT_BUTTON, clicked, this);
     auto* column = new wxBoxSizer(wxVERTICAL);
     column->Add(button, wxSizerFlags().Centre().Border(wxBOTTOM, FromDIP(gap)));
@@ -161,6 +162,7 @@ wxSizer* InitPanel::buildRecentFiles() {
         trash->SetBitmapCurrent(platform::iconResource("icon_trash_current32", trashIconSide));
         trash->SetBackgroundColour(GetBackgroundColour());
         trash->SetToolTip(_("Remove from the list"));
+        platform::nameForScreenReaders(*trash, _("Remove from the list"));
         platform::underlineLabel(*entry);
         platform::makeFlat(*entry);
         platform::makeFlat(*trash);

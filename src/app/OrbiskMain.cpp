@@ -135,6 +135,7 @@ OSGCanvas& OrbiskFrame::ensureCanvas() {
     m_canvas = new OSGCanvas(this, wxWindow::NewControlId(), canvasAttributes, wxDefaultPosition,
                              wxDefaultSize, 0, "ID_CANVAS");
     m_canvas->Hide();
+    platform::nameForScreenReaders(*m_canvas, _("3D view"));
     m_docking.AddPane(m_canvas, centrePane(canvasPane).Show(m_viewer.exists()));
     return *m_canvas;
 }

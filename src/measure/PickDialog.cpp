@@ -114,6 +114,7 @@ void PickDialog::buildWindows() {
 wxGrid* PickDialog::addPage(const wxString& label, const char* name) {
     auto* grid =
         new wxGrid(m_notebook, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxWANTS_CHARS, name);
+    platform::nameForScreenReaders(*grid, label);
     m_notebook->AddPage(grid, label);
     return grid;
 }

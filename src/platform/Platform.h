@@ -62,6 +62,9 @@ void makeFlat(wxWindow& button);
 /// Underlines a button's label where an underlined font alone does not.
 void underlineLabel(wxButton& button);
 
+/// What screen readers call a window that shows no text of its own.
+void nameForScreenReaders(wxWindow& window, const wxString& name);
+
 /// Gives the pages of a notebook that has its size but was not shown yet the size they will have.
 void sizePages(wxNotebook& notebook);
 

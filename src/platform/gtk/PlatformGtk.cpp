@@ -25,7 +25,10 @@
 extern "C" {
 struct _GtkMenu;   // NOLINT(bugprone-reserved-identifier)
 struct _GtkWindow; // NOLINT(bugprone-reserved-identifier)
+struct _AtkObject; // NOLINT(bugprone-reserved-identifier)
 void gtk_menu_popdown(_GtkMenu* menu);
+_AtkObject* gtk_widget_get_accessible(WXWidget widget);
+void atk_object_set_name(_AtkObject* object, const char* name);
 void gtk_window_get_position(_GtkWindow* window, int* x, int* y);
 }
 
@@ -152,6 +155,10 @@ wxArrayString commandWords(const wxString& command) {
 void makeFlat(wxWindow& button) {
     StyledWindow::apply(button,
                         "* { padding:0; margin:0; min-width:0; min-height:0; border:none }");
+}
+
+void nameForScreenReaders(wxWindow& window, const wxString& name) {
+    atk_object_set_name(gtk_widget_get_accessible(window.GetHandle()), name.utf8_str());
 }
 
 void underlineLabel(wxButton& button) {

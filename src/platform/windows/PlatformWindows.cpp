@@ -119,6 +119,11 @@ void makeFlat(wxWindow& button) {
     button.SetBackgroundColour(button.GetParent()->GetBackgroundColour());
 }
 
+void nameForScreenReaders(wxWindow& window, const wxString& name) {
+    // They read a window's text, which one that draws itself does not show.
+    window.SetLabel(name);
+}
+
 void underlineLabel(wxButton&) {
     // An underlined font is enough here.
 }
