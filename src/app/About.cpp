@@ -43,6 +43,13 @@ void showAbout(wxWindow* parent) {
                 wxSizerFlags().Expand().Border(wxALL, dialog.FromDIP(border)));
     dialog.SetSizerAndFit(column);
     dialog.CentreOnScreen(wxBOTH);
+    // There is no button that the key could press.
+    dialog.Bind(wxEVT_CHAR_HOOK, [&dialog](wxKeyEvent& event) {
+        if (event.GetKeyCode() == WXK_ESCAPE)
+            dialog.EndModal(wxID_CANCEL);
+        else
+            event.Skip();
+    });
     dialog.ShowModal();
 }
 

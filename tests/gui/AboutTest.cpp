@@ -3,7 +3,9 @@
 #include "support/Screen.h"
 
 #include <wx/stattext.h>
+#include <wx/timer.h>
 #include <wx/tokenzr.h>
+#include <wx/uiaction.h>
 
 namespace orbisk::test {
 
@@ -43,6 +45,19 @@ TEST_F(AboutTest, HasTitleAndHeading) {
         EXPECT_EQ(texts[0]->GetFont().GetWeight(), wxFONTWEIGHT_BOLD);
         EXPECT_LT(texts[0]->GetRect().y, texts[1]->GetRect().y);
     });
+}
+
+TEST_F(AboutTest, EscapeClosesIt) {
+    start();
+    wxTimer escape;
+    escape.Bind(wxEVT_TIMER, [](wxTimerEvent&) { wxUIActionSimulator().Char(WXK_ESCAPE); });
+    bool seen = false;
+    withNextDialog([&](wxDialog&) {
+        seen = true;
+        escape.StartOnce(300);
+    });
+    choose(Command::About);
+    EXPECT_TRUE(seen);
 }
 
 TEST_F(AboutTest, HasSevenIndentedLines) {
