@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace orbisk {
 
@@ -21,6 +22,15 @@ std::size_t trianglesOf(GLenum mode, std::size_t indexCount) {
     default:
         return 0;
     }
+}
+
+/// The array as one of this class; null if it is another. Those of derived classes take longer.
+template <class Wanted>
+const Wanted* arrayAs(osg::Array::Type type, const osg::Array* array) {
+    if (!array || array->getType() != type)
+        return nullptr;
+    return typeid(*array) == typeid(Wanted) ? static_cast<const Wanted*>(array)
+                                            : dynamic_cast<const Wanted*>(array);
 }
 
 } // namespace
@@ -81,8 +91,8 @@ std::size_t PickTriangles::indexAt(std::size_t position) const {
 }
 
 PickVertices::PickVertices(const osg::Array* array, const osg::Matrixd& matrix)
-    : m_floats(dynamic_cast<const osg::Vec3Array*>(array)),
-      m_doubles(dynamic_cast<const osg::Vec3dArray*>(array)), m_matrix(matrix),
+    : m_floats(arrayAs<osg::Vec3Array>(osg::Array::Vec3ArrayType, array)),
+      m_doubles(arrayAs<osg::Vec3dArray>(osg::Array::Vec3dArrayType, array)), m_matrix(matrix),
       m_isIdentity(matrix.isIdentity()) {}
 
 std::size_t PickVertices::size() const {

@@ -45,7 +45,7 @@ private:
 
 /// The vertices of a geometry as picking takes them: those of a double array as they stand, those
 /// of a float array transformed by the matrix in force, each coordinate rounded to a float; the
-/// identity leaves them as they are. Refers to the array and reads it when asked.
+/// identity leaves them as they are. Refers to the array and the matrix and reads them when asked.
 class PickVertices {
 public:
     /// @param array may be null: there are no vertices then.
@@ -67,7 +67,7 @@ public:
 private:
     const osg::Vec3Array* m_floats;
     const osg::Vec3dArray* m_doubles;
-    osg::Matrixd m_matrix;
+    const osg::Matrixd& m_matrix;
     bool m_isIdentity;
 };
 

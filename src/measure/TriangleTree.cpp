@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -24,7 +23,7 @@ constexpr double largestErrorPart = 0.5;
 /// What moving the line, and the test in single precision, round at most is well below these parts:
 /// of the distance between the ray's origin and the tree, and of the tree.
 constexpr double distancePadding = 64 * roundoff;
-constexpr double treePadding = 32 * static_cast<double>(std::numeric_limits<float>::epsilon()) / 2;
+constexpr double treePadding = 64 * static_cast<double>(std::numeric_limits<float>::epsilon()) / 2;
 /// A line that is nearly along a plane of axes drifts off it by less than the padding when its
 /// direction is taken to be that much.
 constexpr double smallestDirection = 1e-12;
@@ -40,8 +39,6 @@ constexpr std::size_t partWithoutBox = 256;
 
 constexpr std::uint32_t trianglesPerLeaf = 4;
 constexpr std::uint32_t trianglesBetweenLooks = 4096;
-
-constexpr unsigned int bitsOfHalf = 16;
 
 bool isUsable(double coordinate) {
     return std::abs(coordinate) <= largestCoordinate;
@@ -84,15 +81,10 @@ bool hasBound(double edge2) {
     return errorFactor * edge2 <= largestErrorPart * smallestDeterminant;
 }
 
-/// The g of triangles with this longest edge, as the upper half of a float.
-std::uint16_t gainOf(double edge2) {
+/// The g of triangles with this longest edge.
+float gainOf(double edge2) {
     const double error = errorFactor * edge2;
-    const float gain =
-        hasBound(edge2) ? roundedUp(error / (smallestDeterminant - error)) : infinity;
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &gain, sizeof bits);
-    constexpr std::uint32_t lowerHalf = (1u << bitsOfHalf) - 1;
-    return static_cast<std::uint16_t>((bits + lowerHalf) >> bitsOfHalf);
+    return hasBound(edge2) ? roundedUp(error / (smallestDeterminant - error)) : infinity;
 }
 
 /// The box of the triangles of a run, while there come more.
@@ -170,6 +162,8 @@ private:
         std::uint32_t count() const { return end - begin; }
     };
 
+    using Children = std::array<Range, BoxNode::width>;
+
     bool collect(std::uint32_t count, const Source& source) {
         m_runs.reserve(count / trianglesPerLeaf);
         for (std::uint32_t number = 0; number < count; ++number) {
@@ -224,30 +218,37 @@ private:
 
     /// Builds the node of a part, after those before. @return what its box is.
     Box buildNode(const Range& range) {
-        const std::size_t node = m_tree.m_nodes.size();
-        m_tree.m_nodes.push_back(emptyNode());
-        std::array<Range, width> children{range};
-        const std::size_t count = split(children);
+        const std::size_t place = m_tree.m_nodes.size();
+        m_tree.m_nodes.emplace_back();
+        BoxNode node{};
+        Children children{range};
+        std::array<Box, BoxNode::width> boxes;
         Box whole;
+        const std::size_t count = split(children);
         for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
             const Range& child = children[i];
-            const bool leaf = isLeaf(child);
-            const auto first = static_cast<std::uint32_t>(m_tree.m_nodes.size());
-            const Box box = leaf ? boxOf(child) : buildNode(child);
-            setBox(m_tree.m_nodes[node], i, box);
-            m_tree.m_nodes[node].first[i] = first;
-            if (leaf)
-                setTriangles(m_tree.m_nodes[node], i, child);
-            whole.add(box);
+            if (isLeaf(child)) {
+                boxes[i] = boxOf(child);
+                setTriangles(node, i, child);
+            } else {
+                node.first[i] = static_cast<std::uint32_t>(m_tree.m_nodes.size());
+                boxes[i] = buildNode(child);
+            }
+            whole.add(boxes[i]);
         }
+        node.children = static_cast<std::uint8_t>(count);
+        setGrid(node, whole);
+        for (std::size_t i = 0; i < count; ++i)
+            setBounds(node, i, boxes[i]);
+        m_tree.m_nodes[place] = node;
         return whole;
     }
 
     /// Splits the largest of `children`, at first their only one, until there are as many as go
     /// into a node, or only leaves. @return how many there are.
-    std::size_t split(std::array<Range, width>& children) const {
+    std::size_t split(Children& children) const {
         std::size_t count = 1;
-        while (count < width) {
+        while (count < BoxNode::width) {
             Range* largest = nullptr;
             for (std::size_t i = 0; i < count; ++i)
                 if (!isLeaf(children[i]) && (!largest || children[i].count() > largest->count()))
@@ -277,7 +278,7 @@ private:
         return box;
     }
 
-    void setTriangles(Node& node, std::size_t child, const Range& leaf) {
+    void setTriangles(BoxNode& node, std::size_t child, const Range& leaf) {
         if (leaf.count() == 1) {
             node.first[child] = runAt(leaf.begin).first;
             node.count[child] = static_cast<std::uint8_t>(runAt(leaf.begin).count);
@@ -291,21 +292,29 @@ private:
         node.count[child] = static_cast<std::uint8_t>(m_tree.m_numbers.size() - first) | listed;
     }
 
-    void setBox(Node& node, std::size_t child, const Box& box) const {
+    void setGrid(BoxNode& node, const Box& box) const {
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            node.bounds[axis][child] = box.low[axis] * m_toUnit;
-            node.bounds[axis + 3][child] = box.high[axis] * m_toUnit;
+            node.low[axis] = box.low[axis] * m_toUnit;
+            const double side =
+                (static_cast<double>(box.high[axis]) - static_cast<double>(box.low[axis])) /
+                m_tree.m_unit;
+            node.step[axis] = roundedUp(side / static_cast<double>(BoxNode::lastStep));
         }
-        node.gain[child] = gainOf(static_cast<double>(box.edge2));
+        node.gain = gainOf(static_cast<double>(box.edge2));
     }
 
-    static Node emptyNode() {
-        Node node{};
+    /// Rounds a child's box to the grid, outwards.
+    void setBounds(BoxNode& node, std::size_t child, const Box& box) const {
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            node.bounds[axis].fill(infinity);
-            node.bounds[axis + 3].fill(-infinity);
+            const float step = node.step[axis];
+            // What is flatter lies within the padding.
+            const float perStep = step >= std::numeric_limits<float>::min() ? 1.0f / step : 0.0f;
+            const float low = (box.low[axis] * m_toUnit - node.low[axis]) * perStep;
+            const float high = (box.high[axis] * m_toUnit - node.low[axis]) * perStep;
+            node.bounds[axis][child] = static_cast<std::uint8_t>(std::floor(low));
+            node.bounds[axis + 3][child] =
+                static_cast<std::uint8_t>(std::min(std::ceil(high), BoxNode::lastStep));
         }
-        return node;
     }
 
     TriangleTree& m_tree;
@@ -331,13 +340,14 @@ bool TriangleTree::serves(const PickRay& ray) {
 }
 
 std::size_t TriangleTree::bytes() const {
-    return sizeof *this + m_nodes.capacity() * sizeof(Node) +
+    return sizeof *this + m_nodes.capacity() * sizeof(BoxNode) +
            (m_numbers.capacity() + m_always.capacity()) * sizeof(std::uint32_t);
 }
 
 TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {
     const osg::Vec3d toOrigin = ray.origin - m_origin;
-    const osg::Vec3d start = (toOrigin - ray.direction * (toOrigin * ray.direction)) / m_unit;
+    const double originPlace = toOrigin * ray.direction;
+    const osg::Vec3d start = (toOrigin - ray.direction * originPlace) / m_unit;
     // No coordinate of the tree is beyond its unit, so none of its points beyond two.
     const double distance = toOrigin.length() + 2 * m_unit;
     Line line{};
@@ -354,38 +364,26 @@ TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {
                                       distancePadding * distance / m_unit);
     line.paddingPerGain =
         static_cast<float>((m_longestEdge + distancesPerGain * distance) / m_unit);
+    line.originPlace = originPlace;
+    line.unit = m_unit;
     return line;
 }
 
-std::array<bool, TriangleTree::width> TriangleTree::meets(const Node& node, const Line& line) {
-    std::array<std::uint32_t, width> bits;
-    for (std::size_t i = 0; i < width; ++i)
-        bits[i] = static_cast<std::uint32_t>(node.gain[i]) << bitsOfHalf;
-    Lane padding;
-    std::memcpy(padding.data(), bits.data(), sizeof padding);
-    for (std::size_t i = 0; i < width; ++i)
-        padding[i] = line.padding + padding[i] * line.paddingPerGain;
-    Lane begin;
-    Lane end;
-    begin.fill(-infinity);
-    end.fill(infinity);
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const Lane& nearBound = node.bounds[line.nearBound[axis]];
-        const Lane& farBound = node.bounds[line.farBound[axis]];
-        const float origin = line.origin[axis];
-        const float inverse = line.inverse[axis];
-        const float positive = std::abs(inverse);
-        for (std::size_t i = 0; i < width; ++i) {
-            const float first = (nearBound[i] - origin) * inverse - padding[i] * positive;
-            const float last = (farBound[i] - origin) * inverse + padding[i] * positive;
-            begin[i] = first > begin[i] ? first : begin[i];
-            end[i] = last < end[i] ? last : end[i];
-        }
-    }
-    std::array<bool, width> met;
-    for (std::size_t i = 0; i < width; ++i)
-        met[i] = begin[i] <= end[i];
-    return met;
+float TriangleTree::Line::placeOf(double distance) const {
+    constexpr auto largest = static_cast<double>(std::numeric_limits<float>::max());
+    const double place = (distance + originPlace) / unit;
+    if (place > largest)
+        return infinity;
+    return static_cast<float>(std::max(place, -largest));
+}
+
+void TriangleTree::enter(const BoxNode& node, const Line& line, float end, Agenda& agenda) {
+    BoxNode::Places begins;
+    unsigned int met = node.meet(line, end, begins);
+    const std::size_t below = agenda.size();
+    for (std::size_t i = 0; met != 0; ++i, met >>= 1u)
+        if (met % 2 == 1)
+            agenda.insert({begins[i], node.first[i], node.count[i]}, below);
 }
 
 } // namespace orbisk
