@@ -276,25 +276,25 @@ TEST(PickIndexPropertyTest, DoubleVerticesUnderTransformsAreOverwrittenAlike) {
 
 TEST(PickIndexPropertyTest, RaysThatTheTreesDoNotServe) {
     expectSamePicks([](Random& random) { return soup(random, 0.5, 20); },
-            [](Random& random, const Scene& scene) {
-                PickRay ray = anyRay(random, scene);
-                switch (random.below(4)) {
-                case 0:
-                    ray.direction *= random.scale(0.01, 100);
-                    break;
-                case 1:
-                    ray.direction *= 1 + random.between(-1e-9, 1e-9);
-                    break;
-                case 2:
-                    ray.origin[random.below(3)] = 1e31;
-                    break;
-                default:
-                    ray.direction[random.below(3)] *= 1e-300;
-                    ray.direction.normalize();
-                    break;
-                }
-                return ray;
-            });
+                    [](Random& random, const Scene& scene) {
+                        PickRay ray = anyRay(random, scene);
+                        switch (random.below(4)) {
+                        case 0:
+                            ray.direction *= random.scale(0.01, 100);
+                            break;
+                        case 1:
+                            ray.direction *= 1 + random.between(-1e-9, 1e-9);
+                            break;
+                        case 2:
+                            ray.origin[random.below(3)] = 1e31;
+                            break;
+                        default:
+                            ray.direction[random.below(3)] *= 1e-300;
+                            ray.direction.normalize();
+                            break;
+                        }
+                        return ray;
+                    });
 }
 
 TEST(PickIndexPropertyTest, ErrorsAreThrownAlike) {

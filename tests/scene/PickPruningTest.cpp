@@ -24,29 +24,34 @@ void addLayer(std::vector<osg::Vec3d>& points, const osg::Vec3d& middle, double 
     points.push_back(middle + osg::Vec3d(-half, 3 * half, 0));
 }
 
+/// Half a layer's smaller width, where it does not matter.
+constexpr double usualHalf = 10.0;
+
 /// Layers over each other in a random order, in double precision, their distances from the first
 /// between these; some of them twice.
 osg::ref_ptr<osg::Geometry> stack(Random& random, const osg::Vec3d& middle, double closest,
-                                  double farthest) {
+                                  double farthest, double half = usualHalf) {
     std::vector<osg::Vec3d> points;
     osg::Vec3d lift;
     for (int i = 0; i < platesPerStack; ++i) {
         if (random.chance(0.8))
             lift.z() = (random.chance(0.5) ? 1 : -1) * random.scale(closest, farthest);
-        addLayer(points, middle + lift, 10);
+        addLayer(points, middle + lift, half);
     }
     return makeDoubleGeometry(
         points, new osg::DrawArrays(GL_TRIANGLES, 0, static_cast<int>(points.size())));
 }
 
-Scene stackScene(Random& random, double closest, double farthest) {
-    Scene scene;
-    const osg::Vec3d middle = worldOffset(random);
-    scene.model = stack(random, middle, closest, farthest);
+Scene sceneOf(const osg::ref_ptr<osg::Geometry>& stack, const osg::Vec3d& middle,
+              double half = usualHalf) {
     std::vector<osg::Vec3d> target;
-    addLayer(target, middle, 10);
-    scene.targets = trianglesOf(target);
-    return scene;
+    addLayer(target, middle, half);
+    return {stack, trianglesOf(target)};
+}
+
+Scene stackScene(Random& random, double closest, double farthest) {
+    const osg::Vec3d middle = worldOffset(random);
+    return sceneOf(stack(random, middle, closest, farthest), middle);
 }
 
 /// Onto a layer's inside, from not too near.
@@ -94,14 +99,14 @@ long orderedPicks(const MakeScene& makeScene, const MakeRay& makeRay, unsigned i
 } // namespace
 
 TEST(PickPruningTest, WhatLiesBehindTheFirstHitIsLeftOut) {
-    const PickOutcome outcome = expectSamePicks(
-        [](Random& random) { return stackScene(random, 1e-3, 3); }, rayOntoLayer);
+    const PickOutcome outcome =
+        expectSamePicks([](Random& random) { return stackScene(random, 1e-3, 3); }, rayOntoLayer);
     EXPECT_GT(outcome.pruned, outcome.hits / 2);
 }
 
 TEST(PickPruningTest, HitsBehindTheEyeInAnyOrder) {
-    const PickOutcome outcome = expectSamePicks(
-        [](Random& random) { return stackScene(random, 1e-3, 3); }, rayWithinStack);
+    const PickOutcome outcome =
+        expectSamePicks([](Random& random) { return stackScene(random, 1e-3, 3); }, rayWithinStack);
     EXPECT_GT(outcome.behind, outcome.rays / 20);
     EXPECT_LT(outcome.behind, outcome.hits);
 }
@@ -138,6 +143,31 @@ TEST(PickPruningTest, LaddersOfLayersFromWithinRoundingToFarBeyond) {
     }
 }
 
+TEST(PickPruningTest, LayersThatTheTreeTellsApartAndRoundingDoesNot) {
+    // Small and far from the origin: what single precision rounds in a tree of that size is less
+    // than what double precision rounds there.
+    constexpr double half = 1e-2;
+    const MakeScene make = [](Random& random) {
+        const osg::Vec3d middle(1e11, -1e11, 0);
+        const auto layers = stack(random, middle, 1e-6, 1e-4, half);
+        // In single precision the sphere would lie elsewhere.
+        const osg::Vec3 margin(1e5f, 1e5f, 1e5f);
+        layers->setInitialBound(osg::BoundingBox(middle - margin, middle + margin));
+        return sceneOf(layers, middle, half);
+    };
+    const MakeRay near = [](Random& random, const Scene& scene) {
+        PickRay ray = rayOntoLayer(random, scene);
+        const osg::Vec3d middle = scene.targets.front().a + osg::Vec3d(half, half, 0);
+        ray.origin = middle - ray.direction * random.scale(1e-2, 10);
+        return ray;
+    };
+    long ordered = 0;
+    for (unsigned int seed = 1; seed <= 10; ++seed)
+        ordered += orderedPicks(make, near, seed);
+    EXPECT_GT(ordered, 100);
+    expectSamePicks(make, near);
+}
+
 TEST(PickPruningTest, LayersOneUlpApart) {
     expectSamePicks(
         [](Random& random) {
@@ -149,7 +179,7 @@ TEST(PickPruningTest, LayersOneUlpApart) {
             std::vector<osg::Vec3d> points;
             while (!heights.empty()) {
                 const auto next = heights.begin() + random.below(static_cast<int>(heights.size()));
-                addLayer(points, {middle.x(), middle.y(), *next}, 10);
+                addLayer(points, {middle.x(), middle.y(), *next}, usualHalf);
                 heights.erase(next);
             }
             scene.targets = trianglesOf(points);

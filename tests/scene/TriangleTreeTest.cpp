@@ -18,9 +18,9 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 TriangleTree treeOf(const std::vector<Triangle>& triangles) {
     const std::atomic<bool> cancelled = false;
-    std::optional<TriangleTree> tree =
-        TriangleTree::build(static_cast<std::uint32_t>(triangles.size()),
-                            [&](std::uint32_t number) { return triangles[number]; }, cancelled);
+    std::optional<TriangleTree> tree = TriangleTree::build(
+        static_cast<std::uint32_t>(triangles.size()),
+        [&](std::uint32_t number) { return triangles[number]; }, cancelled);
     EXPECT_TRUE(tree);
     return tree ? *tree : TriangleTree();
 }
@@ -112,8 +112,8 @@ TEST(TriangleTreeTest, LoweringTheLimitOnTheWayLeavesOutTheRest) {
 
 TEST(TriangleTreeTest, LimitBelowAnyNamesNothing) {
     const TriangleTree tree = treeOf(floors(100, 1));
-    EXPECT_TRUE(candidates(tree, {osg::Vec3d(0.5, 0.25, 9.5), osg::Vec3d(0, 0, -1)}, -infinity)
-                    .empty());
+    EXPECT_TRUE(
+        candidates(tree, {osg::Vec3d(0.5, 0.25, 9.5), osg::Vec3d(0, 0, -1)}, -infinity).empty());
 }
 
 TEST(TriangleTreeTest, TriangleIsACandidateUpToWhereItIsHit) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "support/PickScenes.h"
-
 #include "measure/PickIndex.h"
+#include "support/PickScenes.h"
 
 #include <functional>
 #include <vector>
@@ -24,8 +23,8 @@ struct PickOutcome {
 /// What picking with the index finds along a ray.
 std::vector<osg::Vec3d> indexedHitsOf(osg::Node& model, const PickRay& ray, PickIndex& index);
 
-/// Expects that the index picks the same as the walk, to the bit: along many rays in many scenes, in
-/// which there must be trees, and enough hits.
+/// Expects that the index picks the same as the walk, to the bit: along many rays in many scenes,
+/// in which there must be trees, and enough hits.
 PickOutcome expectSamePicks(const MakeScene& makeScene, const MakeRay& makeRay = anyOrGrazingRay);
 
 } // namespace orbisk::test

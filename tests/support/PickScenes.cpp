@@ -41,8 +41,7 @@ std::vector<Triangle> trianglesOf(const std::vector<osg::Vec3d>& points) {
     return triangles;
 }
 
-Scene soupScene(Random& random, const AddTriangle& addTriangle,
-                int count) {
+Scene soupScene(Random& random, const AddTriangle& addTriangle, int count) {
     Scene scene;
     const osg::ref_ptr<osg::Group> model = new osg::Group;
     for (int part = 0; part < 2; ++part) {
