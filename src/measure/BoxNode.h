@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measure/Prefetch.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -35,6 +37,12 @@ struct alignas(64) BoxNode {
     std::uint8_t children;                  ///< how many there are
     std::array<std::uint8_t, width> count;  ///< a child's triangles; 0: it is a node
     std::array<std::uint32_t, width> first; ///< a child's node, triangle or place of it
+
+    /// Has the processor fetch all of it.
+    void fetch() const {
+        prefetch(this);
+        prefetch(&first);
+    }
 
     /// Which children's boxes, padded, the line meets before `limit`.
     /// @param begins becomes where on the line each child may begin at the earliest.

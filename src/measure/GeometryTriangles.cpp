@@ -1,5 +1,7 @@
 #include "measure/GeometryTriangles.h"
 
+#include "measure/Prefetch.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <typeinfo>
@@ -99,6 +101,15 @@ std::size_t PickVertices::size() const {
     if (m_floats)
         return m_floats->size();
     return m_doubles ? m_doubles->size() : 0;
+}
+
+void PickVertices::fetch(std::size_t index) const {
+    if (index >= size())
+        return;
+    if (m_floats)
+        prefetch(&(*m_floats)[index]);
+    else
+        prefetch(&(*m_doubles)[index]);
 }
 
 osg::Vec3d PickVertices::at(std::size_t index) const {

@@ -59,6 +59,9 @@ public:
     /// Throws `std::out_of_range` beyond the array.
     osg::Vec3d at(std::size_t index) const;
 
+    /// Has the processor fetch a vertex that is soon asked for, if there is one.
+    void fetch(std::size_t index) const;
+
     /// Throws `std::out_of_range` where a corner is beyond the array.
     Triangle triangle(const TriangleCorners& corners) const {
         return {at(corners[0]), at(corners[1]), at(corners[2])};

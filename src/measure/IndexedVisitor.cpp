@@ -17,6 +17,26 @@ namespace {
 /// Few models are deeper.
 constexpr std::size_t usualDepth = 32;
 
+/// Tests the candidates that a tree names.
+struct HitCollector {
+    const PickRay& ray;
+    const PickVertices& vertices;
+    NumberedTriangles triangles;
+    FrontHits& hits;
+
+    void expect(std::uint32_t number) {
+        for (const std::size_t corner : triangles.corners(number))
+            vertices.fetch(corner);
+    }
+
+    double test(std::uint32_t number) {
+        const Triangle triangle = vertices.triangle(triangles.corners(number));
+        if (const std::optional<double> distance = intersect(ray, triangle))
+            hits.add({number, *distance});
+        return hits.limit();
+    }
+};
+
 } // namespace
 
 IndexedVisitor::IndexedVisitor(const PickRay& ray, PickIndex& index, PauseDrawing pauseDrawing)
@@ -55,13 +75,8 @@ void IndexedVisitor::intersectTriangles(const osg::Geometry& geometry,
 
 void IndexedVisitor::collect(const GeometryIndex& index, const osg::Geometry& geometry,
                              const PickVertices& vertices, FrontHits& hits) const {
-    NumberedTriangles triangles = index.triangles(geometry);
-    index.tree().forEachCandidate(ray(), hits.limit(), [&](std::uint32_t number) {
-        const Triangle triangle = vertices.triangle(triangles.corners(number));
-        if (const std::optional<double> distance = intersect(ray(), triangle))
-            hits.add({number, *distance});
-        return hits.limit();
-    });
+    index.tree().forEachCandidate(ray(), hits.limit(),
+                                  HitCollector{ray(), vertices, index.triangles(geometry), hits});
 }
 
 /// How far off the hit in front is, in lengths of the direction. Nothing where there is none, and

@@ -37,7 +37,6 @@ constexpr double unitTolerance = 1e-9;
 constexpr std::size_t fewWithoutBox = 64;
 constexpr std::size_t partWithoutBox = 256;
 
-constexpr std::uint32_t trianglesPerLeaf = 4;
 constexpr std::uint32_t trianglesBetweenLooks = 4096;
 
 bool isUsable(double coordinate) {
@@ -65,8 +64,9 @@ float roundedUp(double value) {
 }
 
 double longestEdge2(const Triangle& triangle) {
-    return std::max({(triangle.b - triangle.a).length2(), (triangle.c - triangle.a).length2(),
-                     (triangle.c - triangle.b).length2()});
+    return std::max(
+        std::max((triangle.b - triangle.a).length2(), (triangle.c - triangle.a).length2()),
+        (triangle.c - triangle.b).length2());
 }
 
 /// Whether a direction of length one can give the triangle a determinant that counts.
@@ -104,16 +104,16 @@ double halfGirth(const osg::Vec3d& low, const osg::Vec3d& high) {
 OpenRun runOf(std::uint32_t number, const Triangle& triangle, double edge2) {
     OpenRun run{triangle.a, triangle.a, edge2, number, 1};
     for (int i = 0; i < 3; ++i) {
-        run.low[i] = std::min({triangle.a[i], triangle.b[i], triangle.c[i]});
-        run.high[i] = std::max({triangle.a[i], triangle.b[i], triangle.c[i]});
+        run.low[i] = std::min(std::min(triangle.a[i], triangle.b[i]), triangle.c[i]);
+        run.high[i] = std::max(std::max(triangle.a[i], triangle.b[i]), triangle.c[i]);
     }
     return run;
 }
 
 /// Puts the next triangle into a run, where the box of both is no longer around than theirs
 /// together. @return whether it did.
-bool join(OpenRun& run, const OpenRun& next) {
-    if (run.count == 0 || run.count == trianglesPerLeaf)
+bool join(OpenRun& run, const OpenRun& next, std::uint32_t most) {
+    if (run.count == 0 || run.count == most)
         return false;
     osg::Vec3d low;
     osg::Vec3d high;
@@ -162,7 +162,12 @@ private:
         std::uint32_t count() const { return end - begin; }
     };
 
-    using Children = std::array<Range, BoxNode::width>;
+    struct Child {
+        Range range;
+        bool isLeaf;
+    };
+
+    using Children = std::array<Child, BoxNode::width>;
 
     bool collect(std::uint32_t count, const Source& source) {
         m_runs.reserve(count / trianglesPerLeaf);
@@ -187,7 +192,7 @@ private:
         if (hasBound(edge2))
             m_longestEdge2 = std::max(m_longestEdge2, edge2);
         const OpenRun next = runOf(number, triangle, edge2);
-        if (!join(m_open, next)) {
+        if (!join(m_open, next, trianglesPerLeaf)) {
             closeRun();
             m_open = next;
         }
@@ -205,7 +210,7 @@ private:
             const auto axis = static_cast<std::size_t>(i);
             run.low[axis] = roundedDown(low[i]);
             run.high[axis] = roundedUp(high[i]);
-            m_largest = std::max({m_largest, -run.low[axis], run.high[axis]});
+            m_largest = std::max(m_largest, std::max(-run.low[axis], run.high[axis]));
         }
         run.edge2 = roundedUp(m_open.edge2);
         run.first = m_open.first;
@@ -221,18 +226,19 @@ private:
         const std::size_t place = m_tree.m_nodes.size();
         m_tree.m_nodes.emplace_back();
         BoxNode node{};
-        Children children{range};
+        Children children;
+        children[0] = childOf(range);
         std::array<Box, BoxNode::width> boxes;
         Box whole;
         const std::size_t count = split(children);
         for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
-            const Range& child = children[i];
-            if (isLeaf(child)) {
-                boxes[i] = boxOf(child);
-                setTriangles(node, i, child);
+            const Child& child = children[i];
+            if (child.isLeaf) {
+                boxes[i] = boxOf(child.range);
+                setTriangles(node, i, child.range);
             } else {
                 node.first[i] = static_cast<std::uint32_t>(m_tree.m_nodes.size());
-                boxes[i] = buildNode(child);
+                boxes[i] = buildNode(child.range);
             }
             whole.add(boxes[i]);
         }
@@ -249,18 +255,22 @@ private:
     std::size_t split(Children& children) const {
         std::size_t count = 1;
         while (count < BoxNode::width) {
-            Range* largest = nullptr;
+            Child* largest = nullptr;
             for (std::size_t i = 0; i < count; ++i)
-                if (!isLeaf(children[i]) && (!largest || children[i].count() > largest->count()))
+                if (!children[i].isLeaf &&
+                    (!largest || children[i].range.count() > largest->range.count()))
                     largest = &children[i];
             if (!largest)
                 break;
-            const std::uint32_t middle = m_order.middleOf(largest->begin, largest->end);
-            children[count++] = {middle, largest->end};
-            largest->end = middle;
+            const Range range = largest->range;
+            const std::uint32_t middle = m_order.middleOf(range.begin, range.end);
+            *largest = childOf({range.begin, middle});
+            children[count++] = childOf({middle, range.end});
         }
         return count;
     }
+
+    Child childOf(const Range& range) const { return {range, isLeaf(range)}; }
 
     bool isLeaf(const Range& range) const {
         if (range.count() > trianglesPerLeaf)
@@ -311,9 +321,11 @@ private:
             const float perStep = step >= std::numeric_limits<float>::min() ? 1.0f / step : 0.0f;
             const float low = (box.low[axis] * m_toUnit - node.low[axis]) * perStep;
             const float high = (box.high[axis] * m_toUnit - node.low[axis]) * perStep;
-            node.bounds[axis][child] = static_cast<std::uint8_t>(std::floor(low));
-            node.bounds[axis + 3][child] =
-                static_cast<std::uint8_t>(std::min(std::ceil(high), BoxNode::lastStep));
+            const auto wholeSteps = static_cast<std::uint8_t>(std::min(high, BoxNode::lastStep));
+            const bool isBeyond = static_cast<float>(wholeSteps) < high;
+            node.bounds[axis][child] = static_cast<std::uint8_t>(low);
+            node.bounds[axis + 3][child] = static_cast<std::uint8_t>(
+                wholeSteps + (isBeyond && wholeSteps < BoxNode::lastStep ? 1 : 0));
         }
     }
 
@@ -377,13 +389,17 @@ float TriangleTree::Line::placeOf(double distance) const {
     return static_cast<float>(std::max(place, -largest));
 }
 
-void TriangleTree::enter(const BoxNode& node, const Line& line, float end, Agenda& agenda) {
+void TriangleTree::enter(std::uint32_t place, const Line& line, float end, Agenda& agenda) const {
+    const BoxNode& node = m_nodes[place];
     BoxNode::Places begins;
     unsigned int met = node.meet(line, end, begins);
     const std::size_t below = agenda.size();
     for (std::size_t i = 0; met != 0; ++i, met >>= 1u)
-        if (met % 2 == 1)
+        if (met % 2 == 1) {
             agenda.insert({begins[i], node.first[i], node.count[i]}, below);
+            if (node.count[i] == 0)
+                m_nodes[node.first[i]].fetch();
+        }
 }
 
 } // namespace orbisk

@@ -68,15 +68,17 @@ public:
     /// an origin of usable coordinates.
     static bool serves(const PickRay& ray);
 
-    /// Calls `visit(number)` for every triangle that `intersect` may find to be hit by the line of
-    /// `ray`, which must be one that is served, on either side of its origin: each once, roughly in
-    /// the order in which the line meets them.
-    /// @param visit returns the distance beyond which hits are of no use to the caller from now on:
-    /// triangles that `intersect` can find only there are left out. Infinite: none is.
-    template <typename Visit>
-    void forEachCandidate(const PickRay& ray, double limit, Visit&& visit) const {
+    /// Tells `candidates` every triangle that `intersect` may find to be hit by the line of `ray`,
+    /// which must be one that is served, on either side of its origin: each once, roughly in the
+    /// order in which the line meets them. `candidates.expect(number)` may be called first for one
+    /// that is told soon; `candidates.test(number)` returns the distance beyond which hits are of
+    /// no use from now on.
+    /// @param limit is that distance to begin with. Triangles that `intersect` can find only beyond
+    /// may be left out; where it is infinite none are.
+    template <typename Candidates>
+    void forEachCandidate(const PickRay& ray, double limit, Candidates&& candidates) const {
         for (const std::uint32_t number : m_always)
-            limit = visit(number);
+            limit = candidates.test(number);
         if (m_nodes.empty())
             return;
         const Line line = makeLine(ray);
@@ -88,12 +90,14 @@ public:
             if (task.begin > end)
                 continue;
             if (task.count == 0) {
-                enter(m_nodes[task.first], line, end, agenda);
+                enter(task.first, line, end, agenda);
                 continue;
             }
-            const std::uint32_t last = task.first + (task.count & ~listed);
-            for (std::uint32_t k = task.first; k < last; ++k)
-                limit = visit((task.count & listed) == 0 ? k : m_numbers[k]);
+            const Leaf leaf = leafOf(task);
+            for (std::uint32_t i = 0; i < leaf.count; ++i)
+                candidates.expect(leaf.numbers[i]);
+            for (std::uint32_t i = 0; i < leaf.count; ++i)
+                limit = candidates.test(leaf.numbers[i]);
             end = line.placeOf(limit);
         }
     }
@@ -104,6 +108,7 @@ public:
 private:
     class Builder;
 
+    static constexpr std::uint32_t trianglesPerLeaf = 4;
     /// As deep as a tree gets: one level for each bit of a code, and of a number of triangles.
     static constexpr std::size_t mostLevels = 64;
     static constexpr std::size_t mostTasks = mostLevels * (BoxNode::width - 1) + 1;
@@ -115,6 +120,11 @@ private:
     struct Task {
         float begin;         ///< where on the line, at the earliest
         std::uint32_t first; ///< as the node has them
+        std::uint32_t count;
+    };
+
+    struct Leaf {
+        std::array<std::uint32_t, trianglesPerLeaf> numbers;
         std::uint32_t count;
     };
 
@@ -149,7 +159,17 @@ private:
     };
 
     Line makeLine(const PickRay& ray) const;
-    static void enter(const BoxNode& node, const Line& line, float end, Agenda& agenda);
+
+    Leaf leafOf(const Task& task) const {
+        Leaf leaf;
+        leaf.count = task.count & ~listed;
+        for (std::uint32_t i = 0; i < leaf.count; ++i)
+            leaf.numbers[i] =
+                (task.count & listed) == 0 ? task.first + i : m_numbers[task.first + i];
+        return leaf;
+    }
+
+    void enter(std::uint32_t place, const Line& line, float end, Agenda& agenda) const;
 
     std::vector<BoxNode> m_nodes;         ///< the root first
     std::vector<std::uint32_t> m_numbers; ///< the list

@@ -25,15 +25,42 @@ TriangleTree treeOf(const std::vector<Triangle>& triangles) {
     return tree ? *tree : TriangleTree();
 }
 
-std::vector<std::uint32_t> candidates(const TriangleTree& tree, const PickRay& ray, double limit) {
-    std::vector<std::uint32_t> numbers;
-    tree.forEachCandidate(ray, limit, [&](std::uint32_t number) {
-        numbers.push_back(number);
+/// Takes the numbers in, and keeps the limit.
+struct Numbers {
+    double limit;
+    std::vector<std::uint32_t> all;
+
+    void expect(std::uint32_t) {}
+
+    double test(std::uint32_t number) {
+        all.push_back(number);
         return limit;
-    });
-    std::sort(numbers.begin(), numbers.end());
-    return numbers;
+    }
+};
+
+std::vector<std::uint32_t> candidates(const TriangleTree& tree, const PickRay& ray, double limit) {
+    Numbers numbers{limit, {}};
+    tree.forEachCandidate(ray, limit, numbers);
+    std::sort(numbers.all.begin(), numbers.all.end());
+    return numbers.all;
 }
+
+/// Tests them, and lowers the limit to the nearest hit.
+struct Nearest {
+    const std::vector<Triangle>& triangles;
+    PickRay ray;
+    double limit = infinity;
+    long tested = 0;
+
+    void expect(std::uint32_t) {}
+
+    double test(std::uint32_t number) {
+        ++tested;
+        if (const std::optional<double> distance = intersect(ray, triangles[number]))
+            limit = std::min(limit, *distance);
+        return limit;
+    }
+};
 
 /// Squares of two triangles, one over the other, so far apart.
 std::vector<Triangle> floors(int count, double distance) {
@@ -98,16 +125,10 @@ TEST(TriangleTreeTest, LoweringTheLimitOnTheWayLeavesOutTheRest) {
     const std::vector<Triangle> triangles = floors(1000, 1);
     const TriangleTree tree = treeOf(triangles);
     const PickRay down{osg::Vec3d(0.5, 0.25, 2000), osg::Vec3d(0, 0, -1)};
-    double limit = infinity;
-    long tested = 0;
-    tree.forEachCandidate(down, limit, [&](std::uint32_t number) {
-        ++tested;
-        if (const std::optional<double> distance = intersect(down, triangles[number]))
-            limit = std::min(limit, *distance);
-        return limit;
-    });
-    EXPECT_EQ(limit, 1001.0);
-    EXPECT_LE(tested, 8);
+    Nearest nearest{triangles, down};
+    tree.forEachCandidate(down, infinity, nearest);
+    EXPECT_EQ(nearest.limit, 1001.0);
+    EXPECT_LE(nearest.tested, 8);
 }
 
 TEST(TriangleTreeTest, LimitBelowAnyNamesNothing) {
