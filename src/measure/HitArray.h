@@ -13,14 +13,8 @@ public:
     bool empty() const { return m_before.empty() && m_after.empty(); }
     std::size_t size() const { return m_before.size() + m_after.size(); }
 
-    /// The point at a place that there is.
-    const osg::Vec3d& operator[](std::size_t place) const {
-        return place < m_before.size() ? m_before[m_before.size() - 1 - place]
-                                       : m_after[place - m_before.size()];
-    }
-
     /// The first of those that there must be.
-    const osg::Vec3d& front() const { return (*this)[0]; }
+    const osg::Vec3d& front() const { return m_before.empty() ? m_after.front() : m_before.back(); }
 
     /// All of them in their order.
     std::vector<osg::Vec3d> all() const {
