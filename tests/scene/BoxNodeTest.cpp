@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 
@@ -78,10 +79,14 @@ BoxLine anyLine(Random& random) {
     return line;
 }
 
+std::uint32_t bitsOf(float number) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    return bits;
+}
+
 bool sameBits(const BoxNode::Places& one, const BoxNode::Places& other) {
-    const auto same = [](float a, float b) {
-        return (a != a && b != b) || std::memcmp(&a, &b, sizeof a) == 0;
-    };
+    const auto same = [](float a, float b) { return (a != a && b != b) || bitsOf(a) == bitsOf(b); };
     return std::equal(one.begin(), one.end(), other.begin(), same);
 }
 
