@@ -9,19 +9,6 @@ namespace orbisk {
 
 namespace {
 
-/// Where a numbered triangle stands.
-struct Place {
-    std::size_t set;
-    std::size_t number; ///< within its set
-};
-
-Place placeOf(std::uint32_t number, const std::vector<std::uint32_t>& firstNumbers) {
-    // Of sets that begin with the same number only the last can have triangles.
-    const auto next = std::upper_bound(firstNumbers.begin(), firstNumbers.end(), number);
-    const auto set = static_cast<std::size_t>(next - firstNumbers.begin()) - 1;
-    return {set, number - firstNumbers[set]};
-}
-
 /// The triangles of primitive sets, one after the other. Refers to the sets.
 class SetWalk {
 public:
@@ -53,8 +40,9 @@ unsigned int modifiedCountOf(const osg::Array* array) {
 }
 
 int firstOf(const osg::PrimitiveSet& set) {
-    const auto* arrays = dynamic_cast<const osg::DrawArrays*>(&set);
-    return arrays ? arrays->getFirst() : 0;
+    return set.getType() == osg::PrimitiveSet::DrawArraysPrimitiveType
+               ? static_cast<const osg::DrawArrays&>(set).getFirst()
+               : 0;
 }
 
 } // namespace
@@ -118,10 +106,8 @@ std::optional<GeometryIndex> GeometryIndex::build(const GeometrySource& source,
     return std::nullopt;
 }
 
-TriangleCorners GeometryIndex::corners(const osg::Geometry& geometry, std::uint32_t number) const {
-    const Place place = placeOf(number, m_firstNumbers);
-    return PickTriangles(*geometry.getPrimitiveSet(static_cast<unsigned int>(place.set)))
-        .corners(place.number);
+NumberedTriangles GeometryIndex::triangles(const osg::Geometry& geometry) const {
+    return {geometry.getPrimitiveSetList(), m_firstNumbers};
 }
 
 } // namespace orbisk

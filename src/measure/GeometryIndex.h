@@ -1,6 +1,7 @@
 #pragma once
 
 #include "measure/GeometryTriangles.h"
+#include "measure/NumberedTriangles.h"
 #include "measure/TriangleTree.h"
 
 #include <osg/Array>
@@ -71,8 +72,9 @@ public:
 
     const TriangleTree& tree() const { return m_tree; }
 
-    /// The corners of a triangle of `geometry`, which must be the one the index was built for.
-    TriangleCorners corners(const osg::Geometry& geometry, std::uint32_t number) const;
+    /// The triangles of `geometry`, which must be the one the index was built for, by the numbers
+    /// that the tree has for them. Refers to both.
+    NumberedTriangles triangles(const osg::Geometry& geometry) const;
 
 private:
     GeometryIndex() = default;

@@ -1,7 +1,10 @@
 #include "measure/GeometryTriangles.h"
 
+#include "measure/Prefetch.h"
+
 #include <algorithm>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace orbisk {
 
@@ -21,6 +24,15 @@ std::size_t trianglesOf(GLenum mode, std::size_t indexCount) {
     default:
         return 0;
     }
+}
+
+/// The array as one of this class; null if it is another. Those of derived classes take longer.
+template <class Wanted>
+const Wanted* arrayAs(osg::Array::Type type, const osg::Array* array) {
+    if (!array || array->getType() != type)
+        return nullptr;
+    return typeid(*array) == typeid(Wanted) ? static_cast<const Wanted*>(array)
+                                            : dynamic_cast<const Wanted*>(array);
 }
 
 } // namespace
@@ -81,14 +93,23 @@ std::size_t PickTriangles::indexAt(std::size_t position) const {
 }
 
 PickVertices::PickVertices(const osg::Array* array, const osg::Matrixd& matrix)
-    : m_floats(dynamic_cast<const osg::Vec3Array*>(array)),
-      m_doubles(dynamic_cast<const osg::Vec3dArray*>(array)), m_matrix(matrix),
+    : m_floats(arrayAs<osg::Vec3Array>(osg::Array::Vec3ArrayType, array)),
+      m_doubles(arrayAs<osg::Vec3dArray>(osg::Array::Vec3dArrayType, array)), m_matrix(matrix),
       m_isIdentity(matrix.isIdentity()) {}
 
 std::size_t PickVertices::size() const {
     if (m_floats)
         return m_floats->size();
     return m_doubles ? m_doubles->size() : 0;
+}
+
+void PickVertices::fetch(std::size_t index) const {
+    if (index >= size())
+        return;
+    if (m_floats)
+        prefetch(&(*m_floats)[index]);
+    else
+        prefetch(&(*m_doubles)[index]);
 }
 
 osg::Vec3d PickVertices::at(std::size_t index) const {

@@ -45,7 +45,7 @@ private:
 
 /// The vertices of a geometry as picking takes them: those of a double array as they stand, those
 /// of a float array transformed by the matrix in force, each coordinate rounded to a float; the
-/// identity leaves them as they are. Refers to the array and reads it when asked.
+/// identity leaves them as they are. Refers to the array and the matrix and reads them when asked.
 class PickVertices {
 public:
     /// @param array may be null: there are no vertices then.
@@ -59,6 +59,9 @@ public:
     /// Throws `std::out_of_range` beyond the array.
     osg::Vec3d at(std::size_t index) const;
 
+    /// Has the processor fetch a vertex that is soon asked for, if there is one.
+    void fetch(std::size_t index) const;
+
     /// Throws `std::out_of_range` where a corner is beyond the array.
     Triangle triangle(const TriangleCorners& corners) const {
         return {at(corners[0]), at(corners[1]), at(corners[2])};
@@ -67,7 +70,7 @@ public:
 private:
     const osg::Vec3Array* m_floats;
     const osg::Vec3dArray* m_doubles;
-    osg::Matrixd m_matrix;
+    const osg::Matrixd& m_matrix;
     bool m_isIdentity;
 };
 

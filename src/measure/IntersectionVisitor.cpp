@@ -1,6 +1,5 @@
 #include "measure/IntersectionVisitor.h"
 
-#include "measure/GeometryTriangles.h"
 #include "measure/TriangleTest.h"
 
 #include <utility>
@@ -24,8 +23,9 @@ void IntersectionVisitor::apply(osg::Geometry& geometry) {
     if (!meetsSphere(geometry))
         return;
     overwriteVertices(geometry);
-    if (PickVertices(geometry.getVertexArray(), m_matrix).exist())
-        intersectTriangles(geometry);
+    const PickVertices vertices(geometry.getVertexArray(), m_matrix);
+    if (vertices.exist())
+        intersectTriangles(geometry, vertices);
 }
 
 bool IntersectionVisitor::meetsSphere(const osg::Geometry& geometry) const {
@@ -40,8 +40,11 @@ bool IntersectionVisitor::meetsSphere(const osg::Geometry& geometry) const {
 }
 
 void IntersectionVisitor::overwriteVertices(osg::Geometry& geometry) {
-    auto* vertices = dynamic_cast<osg::Vec3dArray*>(geometry.getVertexArray());
-    if (!vertices || m_matrix.isIdentity())
+    osg::Array* array = geometry.getVertexArray();
+    if (!array || array->getType() != osg::Array::Vec3dArrayType || m_matrix.isIdentity())
+        return;
+    auto* vertices = dynamic_cast<osg::Vec3dArray*>(array);
+    if (!vertices)
         return;
     if (m_pauseDrawing && !m_pause)
         m_pause = m_pauseDrawing();
@@ -55,8 +58,8 @@ void IntersectionVisitor::overwriteVertices(osg::Geometry& geometry) {
 
 void IntersectionVisitor::beforeOverwriting(const osg::Array&) {}
 
-void IntersectionVisitor::intersectTriangles(const osg::Geometry& geometry) {
-    const PickVertices source(geometry.getVertexArray(), m_matrix);
+void IntersectionVisitor::intersectTriangles(const osg::Geometry& geometry,
+                                             const PickVertices& source) {
     std::vector<osg::Vec3d> vertices;
     vertices.reserve(source.size());
     for (std::size_t i = 0; i < source.size(); ++i)
@@ -75,12 +78,11 @@ void IntersectionVisitor::intersectTriangles(const osg::Geometry& geometry) {
 
 void IntersectionVisitor::keep(double distance) {
     const osg::Vec3d hit = m_ray.origin + m_ray.direction * distance;
-    const bool isFront =
-        m_hits.empty() || (m_hits.front() - m_ray.origin).length() > distance * m_directionLength;
+    const bool isFront = m_hits.empty() || frontLength() > distance * m_directionLength;
     if (isFront)
-        m_hits.push_front(hit);
+        m_hits.addFront(hit);
     else
-        m_hits.push_back(hit);
+        m_hits.addBack(hit);
 }
 
 } // namespace orbisk

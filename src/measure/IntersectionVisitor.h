@@ -1,5 +1,7 @@
 #pragma once
 
+#include "measure/GeometryTriangles.h"
+#include "measure/HitArray.h"
 #include "measure/PickRay.h"
 
 #include <osg/Geometry>
@@ -8,7 +10,6 @@
 #include <osg/NodeVisitor>
 #include <osg/Vec3d>
 
-#include <deque>
 #include <functional>
 #include <memory>
 
@@ -41,12 +42,12 @@ public:
     void apply(osg::Geometry& geometry) override;
 
     /// What was hit so far, in world coordinates: the nearest first, the others in no order.
-    const std::deque<osg::Vec3d>& hits() const { return m_hits; }
+    const HitArray& hits() const { return m_hits; }
 
 protected:
     /// Called for each drawable that the ray's sphere test lets through and whose vertices can be
     /// picked: tests its triangles in their order. This one tests all of them.
-    virtual void intersectTriangles(const osg::Geometry& geometry);
+    virtual void intersectTriangles(const osg::Geometry& geometry, const PickVertices& vertices);
 
     /// Called before the vertices of `array` are overwritten.
     virtual void beforeOverwriting(const osg::Array& array);
@@ -54,7 +55,11 @@ protected:
     /// Takes in the hit at `distance`, in lengths of the direction.
     void keep(double distance);
 
+    /// How far off the first hit is, as it counts for the next; there must be one.
+    double frontLength() const { return (m_hits.front() - m_ray.origin).length(); }
+
     const PickRay& ray() const { return m_ray; }
+    double directionLength() const { return m_directionLength; }
     const osg::Matrixd& matrix() const { return m_matrix; }
 
 private:
@@ -64,7 +69,7 @@ private:
     PickRay m_ray;
     double m_directionLength;
     osg::Matrixd m_matrix;
-    std::deque<osg::Vec3d> m_hits;
+    HitArray m_hits;
     PauseDrawing m_pauseDrawing;
     std::shared_ptr<void> m_pause;
 };

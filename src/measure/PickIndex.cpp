@@ -22,8 +22,9 @@ constexpr unsigned int fewestPicksBetweenCleanings = 64;
 /// do. A subclass may do with them what it likes.
 bool mayBeWritten(const osg::Geometry& geometry) {
     const bool isPlain = typeid(geometry) == typeid(osg::Geometry);
+    const osg::Array* vertices = geometry.getVertexArray();
     return !isPlain || geometry.getDataVariance() == osg::Object::DYNAMIC ||
-           geometry.getVertexArray()->getDataVariance() == osg::Object::DYNAMIC;
+           (vertices && vertices->getDataVariance() == osg::Object::DYNAMIC);
 }
 
 bool isSmall(const osg::Geometry& geometry) {
@@ -143,17 +144,22 @@ void PickIndex::beginPick() {
 }
 
 const GeometryIndex* PickIndex::find(const osg::Geometry& geometry, const osg::Matrixd& matrix) {
-    if (!isIndexable(geometry, matrix))
+    if (mayBeWritten(geometry))
         return nullptr;
     Entry* entry = entryOf(geometry, matrix);
     if (!entry) {
-        makeEntry(geometry, matrix);
+        if (isIndexable(geometry, matrix))
+            makeEntry(geometry, matrix);
         return nullptr;
     }
+    takeResult(*entry);
+    // One that still is what it was is indexable still.
+    const bool isSame = entry->mark.matches(geometry);
+    if (!isSame && !isIndexable(geometry, matrix))
+        return nullptr;
     const bool wasMetBefore = entry->lastPick != m_pick;
     entry->lastPick = m_pick;
-    takeResult(*entry);
-    if (!entry->mark.matches(geometry)) {
+    if (!isSame) {
         discard(*entry);
         *entry = Entry(geometry, matrix, m_pick);
     } else if (!entry->index && !entry->job && !entry->isUseless && wasMetBefore) {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -24,7 +23,7 @@ constexpr double largestErrorPart = 0.5;
 /// What moving the line, and the test in single precision, round at most is well below these parts:
 /// of the distance between the ray's origin and the tree, and of the tree.
 constexpr double distancePadding = 64 * roundoff;
-constexpr double treePadding = 32 * static_cast<double>(std::numeric_limits<float>::epsilon()) / 2;
+constexpr double treePadding = 64 * static_cast<double>(std::numeric_limits<float>::epsilon()) / 2;
 /// A line that is nearly along a plane of axes drifts off it by less than the padding when its
 /// direction is taken to be that much.
 constexpr double smallestDirection = 1e-12;
@@ -38,10 +37,7 @@ constexpr double unitTolerance = 1e-9;
 constexpr std::size_t fewWithoutBox = 64;
 constexpr std::size_t partWithoutBox = 256;
 
-constexpr std::uint32_t trianglesPerLeaf = 4;
 constexpr std::uint32_t trianglesBetweenLooks = 4096;
-
-constexpr unsigned int bitsOfHalf = 16;
 
 bool isUsable(double coordinate) {
     return std::abs(coordinate) <= largestCoordinate;
@@ -68,8 +64,9 @@ float roundedUp(double value) {
 }
 
 double longestEdge2(const Triangle& triangle) {
-    return std::max({(triangle.b - triangle.a).length2(), (triangle.c - triangle.a).length2(),
-                     (triangle.c - triangle.b).length2()});
+    return std::max(
+        std::max((triangle.b - triangle.a).length2(), (triangle.c - triangle.a).length2()),
+        (triangle.c - triangle.b).length2());
 }
 
 /// Whether a direction of length one can give the triangle a determinant that counts.
@@ -84,15 +81,10 @@ bool hasBound(double edge2) {
     return errorFactor * edge2 <= largestErrorPart * smallestDeterminant;
 }
 
-/// The g of triangles with this longest edge, as the upper half of a float.
-std::uint16_t gainOf(double edge2) {
+/// The g of triangles with this longest edge.
+float gainOf(double edge2) {
     const double error = errorFactor * edge2;
-    const float gain =
-        hasBound(edge2) ? roundedUp(error / (smallestDeterminant - error)) : infinity;
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &gain, sizeof bits);
-    constexpr std::uint32_t lowerHalf = (1u << bitsOfHalf) - 1;
-    return static_cast<std::uint16_t>((bits + lowerHalf) >> bitsOfHalf);
+    return hasBound(edge2) ? roundedUp(error / (smallestDeterminant - error)) : infinity;
 }
 
 /// The box of the triangles of a run, while there come more.
@@ -112,16 +104,16 @@ double halfGirth(const osg::Vec3d& low, const osg::Vec3d& high) {
 OpenRun runOf(std::uint32_t number, const Triangle& triangle, double edge2) {
     OpenRun run{triangle.a, triangle.a, edge2, number, 1};
     for (int i = 0; i < 3; ++i) {
-        run.low[i] = std::min({triangle.a[i], triangle.b[i], triangle.c[i]});
-        run.high[i] = std::max({triangle.a[i], triangle.b[i], triangle.c[i]});
+        run.low[i] = std::min(std::min(triangle.a[i], triangle.b[i]), triangle.c[i]);
+        run.high[i] = std::max(std::max(triangle.a[i], triangle.b[i]), triangle.c[i]);
     }
     return run;
 }
 
 /// Puts the next triangle into a run, where the box of both is no longer around than theirs
 /// together. @return whether it did.
-bool join(OpenRun& run, const OpenRun& next) {
-    if (run.count == 0 || run.count == trianglesPerLeaf)
+bool join(OpenRun& run, const OpenRun& next, std::uint32_t most) {
+    if (run.count == 0 || run.count == most)
         return false;
     osg::Vec3d low;
     osg::Vec3d high;
@@ -170,6 +162,13 @@ private:
         std::uint32_t count() const { return end - begin; }
     };
 
+    struct Child {
+        Range range;
+        bool isLeaf;
+    };
+
+    using Children = std::array<Child, BoxNode::width>;
+
     bool collect(std::uint32_t count, const Source& source) {
         m_runs.reserve(count / trianglesPerLeaf);
         for (std::uint32_t number = 0; number < count; ++number) {
@@ -193,7 +192,7 @@ private:
         if (hasBound(edge2))
             m_longestEdge2 = std::max(m_longestEdge2, edge2);
         const OpenRun next = runOf(number, triangle, edge2);
-        if (!join(m_open, next)) {
+        if (!join(m_open, next, trianglesPerLeaf)) {
             closeRun();
             m_open = next;
         }
@@ -211,7 +210,7 @@ private:
             const auto axis = static_cast<std::size_t>(i);
             run.low[axis] = roundedDown(low[i]);
             run.high[axis] = roundedUp(high[i]);
-            m_largest = std::max({m_largest, -run.low[axis], run.high[axis]});
+            m_largest = std::max(m_largest, std::max(-run.low[axis], run.high[axis]));
         }
         run.edge2 = roundedUp(m_open.edge2);
         run.first = m_open.first;
@@ -224,42 +223,54 @@ private:
 
     /// Builds the node of a part, after those before. @return what its box is.
     Box buildNode(const Range& range) {
-        const std::size_t node = m_tree.m_nodes.size();
-        m_tree.m_nodes.push_back(emptyNode());
-        std::array<Range, width> children{range};
-        const std::size_t count = split(children);
+        const std::size_t place = m_tree.m_nodes.size();
+        m_tree.m_nodes.emplace_back();
+        BoxNode node{};
+        Children children;
+        children[0] = childOf(range);
+        std::array<Box, BoxNode::width> boxes;
         Box whole;
+        const std::size_t count = split(children);
         for (std::size_t i = 0; i < count && !m_cancelled; ++i) {
-            const Range& child = children[i];
-            const bool leaf = isLeaf(child);
-            const auto first = static_cast<std::uint32_t>(m_tree.m_nodes.size());
-            const Box box = leaf ? boxOf(child) : buildNode(child);
-            setBox(m_tree.m_nodes[node], i, box);
-            m_tree.m_nodes[node].first[i] = first;
-            if (leaf)
-                setTriangles(m_tree.m_nodes[node], i, child);
-            whole.add(box);
+            const Child& child = children[i];
+            if (child.isLeaf) {
+                boxes[i] = boxOf(child.range);
+                setTriangles(node, i, child.range);
+            } else {
+                node.first[i] = static_cast<std::uint32_t>(m_tree.m_nodes.size());
+                boxes[i] = buildNode(child.range);
+            }
+            whole.add(boxes[i]);
         }
+        node.children = static_cast<std::uint8_t>(count);
+        setGrid(node, whole);
+        for (std::size_t i = 0; i < count; ++i)
+            setBounds(node, i, boxes[i]);
+        m_tree.m_nodes[place] = node;
         return whole;
     }
 
     /// Splits the largest of `children`, at first their only one, until there are as many as go
     /// into a node, or only leaves. @return how many there are.
-    std::size_t split(std::array<Range, width>& children) const {
+    std::size_t split(Children& children) const {
         std::size_t count = 1;
-        while (count < width) {
-            Range* largest = nullptr;
+        while (count < BoxNode::width) {
+            Child* largest = nullptr;
             for (std::size_t i = 0; i < count; ++i)
-                if (!isLeaf(children[i]) && (!largest || children[i].count() > largest->count()))
+                if (!children[i].isLeaf &&
+                    (!largest || children[i].range.count() > largest->range.count()))
                     largest = &children[i];
             if (!largest)
                 break;
-            const std::uint32_t middle = m_order.middleOf(largest->begin, largest->end);
-            children[count++] = {middle, largest->end};
-            largest->end = middle;
+            const Range range = largest->range;
+            const std::uint32_t middle = m_order.middleOf(range.begin, range.end);
+            *largest = childOf({range.begin, middle});
+            children[count++] = childOf({middle, range.end});
         }
         return count;
     }
+
+    Child childOf(const Range& range) const { return {range, isLeaf(range)}; }
 
     bool isLeaf(const Range& range) const {
         if (range.count() > trianglesPerLeaf)
@@ -277,7 +288,7 @@ private:
         return box;
     }
 
-    void setTriangles(Node& node, std::size_t child, const Range& leaf) {
+    void setTriangles(BoxNode& node, std::size_t child, const Range& leaf) {
         if (leaf.count() == 1) {
             node.first[child] = runAt(leaf.begin).first;
             node.count[child] = static_cast<std::uint8_t>(runAt(leaf.begin).count);
@@ -291,21 +302,31 @@ private:
         node.count[child] = static_cast<std::uint8_t>(m_tree.m_numbers.size() - first) | listed;
     }
 
-    void setBox(Node& node, std::size_t child, const Box& box) const {
+    void setGrid(BoxNode& node, const Box& box) const {
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            node.bounds[axis][child] = box.low[axis] * m_toUnit;
-            node.bounds[axis + 3][child] = box.high[axis] * m_toUnit;
+            node.low[axis] = box.low[axis] * m_toUnit;
+            const double side =
+                (static_cast<double>(box.high[axis]) - static_cast<double>(box.low[axis])) /
+                m_tree.m_unit;
+            node.step[axis] = roundedUp(side / static_cast<double>(BoxNode::lastStep));
         }
-        node.gain[child] = gainOf(static_cast<double>(box.edge2));
+        node.gain = gainOf(static_cast<double>(box.edge2));
     }
 
-    static Node emptyNode() {
-        Node node{};
+    /// Rounds a child's box to the grid, outwards.
+    void setBounds(BoxNode& node, std::size_t child, const Box& box) const {
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            node.bounds[axis].fill(infinity);
-            node.bounds[axis + 3].fill(-infinity);
+            const float step = node.step[axis];
+            // What is flatter lies within the padding.
+            const float perStep = step >= std::numeric_limits<float>::min() ? 1.0f / step : 0.0f;
+            const float low = (box.low[axis] * m_toUnit - node.low[axis]) * perStep;
+            const float high = (box.high[axis] * m_toUnit - node.low[axis]) * perStep;
+            const auto wholeSteps = static_cast<std::uint8_t>(std::min(high, BoxNode::lastStep));
+            const bool isBeyond = static_cast<float>(wholeSteps) < high;
+            node.bounds[axis][child] = static_cast<std::uint8_t>(low);
+            node.bounds[axis + 3][child] = static_cast<std::uint8_t>(
+                wholeSteps + (isBeyond && wholeSteps < BoxNode::lastStep ? 1 : 0));
         }
-        return node;
     }
 
     TriangleTree& m_tree;
@@ -331,13 +352,14 @@ bool TriangleTree::serves(const PickRay& ray) {
 }
 
 std::size_t TriangleTree::bytes() const {
-    return sizeof *this + m_nodes.capacity() * sizeof(Node) +
+    return sizeof *this + m_nodes.capacity() * sizeof(BoxNode) +
            (m_numbers.capacity() + m_always.capacity()) * sizeof(std::uint32_t);
 }
 
 TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {
     const osg::Vec3d toOrigin = ray.origin - m_origin;
-    const osg::Vec3d start = (toOrigin - ray.direction * (toOrigin * ray.direction)) / m_unit;
+    const double originPlace = toOrigin * ray.direction;
+    const osg::Vec3d start = (toOrigin - ray.direction * originPlace) / m_unit;
     // No coordinate of the tree is beyond its unit, so none of its points beyond two.
     const double distance = toOrigin.length() + 2 * m_unit;
     Line line{};
@@ -354,38 +376,30 @@ TriangleTree::Line TriangleTree::makeLine(const PickRay& ray) const {
                                       distancePadding * distance / m_unit);
     line.paddingPerGain =
         static_cast<float>((m_longestEdge + distancesPerGain * distance) / m_unit);
+    line.originPlace = originPlace;
+    line.unit = m_unit;
     return line;
 }
 
-std::array<bool, TriangleTree::width> TriangleTree::meets(const Node& node, const Line& line) {
-    std::array<std::uint32_t, width> bits;
-    for (std::size_t i = 0; i < width; ++i)
-        bits[i] = static_cast<std::uint32_t>(node.gain[i]) << bitsOfHalf;
-    Lane padding;
-    std::memcpy(padding.data(), bits.data(), sizeof padding);
-    for (std::size_t i = 0; i < width; ++i)
-        padding[i] = line.padding + padding[i] * line.paddingPerGain;
-    Lane begin;
-    Lane end;
-    begin.fill(-infinity);
-    end.fill(infinity);
-    for (std::size_t axis = 0; axis < 3; ++axis) {
-        const Lane& nearBound = node.bounds[line.nearBound[axis]];
-        const Lane& farBound = node.bounds[line.farBound[axis]];
-        const float origin = line.origin[axis];
-        const float inverse = line.inverse[axis];
-        const float positive = std::abs(inverse);
-        for (std::size_t i = 0; i < width; ++i) {
-            const float first = (nearBound[i] - origin) * inverse - padding[i] * positive;
-            const float last = (farBound[i] - origin) * inverse + padding[i] * positive;
-            begin[i] = first > begin[i] ? first : begin[i];
-            end[i] = last < end[i] ? last : end[i];
+float TriangleTree::Line::placeOf(double distance) const {
+    constexpr auto largest = static_cast<double>(std::numeric_limits<float>::max());
+    const double place = (distance + originPlace) / unit;
+    if (place > largest)
+        return infinity;
+    return static_cast<float>(std::max(place, -largest));
+}
+
+void TriangleTree::enter(std::uint32_t place, const Line& line, float end, Agenda& agenda) const {
+    const BoxNode& node = m_nodes[place];
+    BoxNode::Places begins;
+    unsigned int met = node.meet(line, end, begins);
+    const std::size_t below = agenda.size();
+    for (std::size_t i = 0; met != 0; ++i, met >>= 1u)
+        if (met % 2 == 1) {
+            agenda.insert({begins[i], node.first[i], node.count[i]}, below);
+            if (node.count[i] == 0)
+                m_nodes[node.first[i]].fetch();
         }
-    }
-    std::array<bool, width> met;
-    for (std::size_t i = 0; i < width; ++i)
-        met[i] = begin[i] <= end[i];
-    return met;
 }
 
 } // namespace orbisk

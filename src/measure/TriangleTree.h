@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measure/BoxNode.h"
 #include "measure/PickRay.h"
 #include "measure/TriangleTest.h"
 
@@ -10,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -29,8 +31,12 @@ namespace orbisk {
 ///
 ///     g = 8 e L^2 / (limit - 8 e L^2)
 ///
-/// plus what the test against the box itself rounds. Each node keeps the largest g below each of
-/// its children; where the denominator gets small it is infinite, and the child is always entered.
+/// plus what the test against the box itself rounds. Each node keeps the largest g below it; where
+/// the denominator gets small it is infinite, and the node's children are always entered.
+///
+/// The distance that `intersect` tells differs from that of the exact point by the errors of its
+/// product with the determinant, below 10 e L^2 T, and of the determinant, below 8 e L^2 T, divided
+/// by d, and by e T: less than the same padding. So no hit comes before its box by more than that.
 ///
 /// Boxes are tested in single precision, in units of the tree's size and relative to a point of it,
 /// and the line is taken from where it is nearest to that: rounding is then in proportion to the
@@ -62,32 +68,37 @@ public:
     /// an origin of usable coordinates.
     static bool serves(const PickRay& ray);
 
-    /// Calls `visit(number)` for every triangle that `intersect` may find to be hit by the line of
-    /// `ray`, which must be one that is served, on either side of its origin. In no order, each
-    /// once.
-    template <typename Visit>
-    void forEachCandidate(const PickRay& ray, Visit&& visit) const {
+    /// Tells `candidates` every triangle that `intersect` may find to be hit by the line of `ray`,
+    /// which must be one that is served, on either side of its origin: each once, roughly in the
+    /// order in which the line meets them. `candidates.expect(number)` may be called first for one
+    /// that is told soon; `candidates.test(number)` returns the distance beyond which hits are of
+    /// no use from now on.
+    /// @param limit is that distance to begin with. Triangles that `intersect` can find only beyond
+    /// may be left out; where it is infinite none are.
+    template <typename Candidates>
+    void forEachCandidate(const PickRay& ray, double limit, Candidates&& candidates) const {
         for (const std::uint32_t number : m_always)
-            visit(number);
+            limit = candidates.test(number);
         if (m_nodes.empty())
             return;
         const Line line = makeLine(ray);
-        std::array<std::uint32_t, mostWaiting> waiting;
-        waiting[0] = 0;
-        std::size_t count = 1;
-        while (count > 0) {
-            const Node& node = m_nodes[waiting[--count]];
-            const std::array<bool, width> met = meets(node, line);
-            for (std::size_t i = 0; i < width; ++i) {
-                if (!met[i])
-                    continue;
-                const std::uint32_t first = node.first[i];
-                const std::uint32_t triangles = node.count[i] & ~listed;
-                if (triangles == 0)
-                    waiting[count++] = first;
-                for (std::uint32_t k = first; k < first + triangles; ++k)
-                    visit((node.count[i] & listed) == 0 ? k : m_numbers[k]);
+        float end = line.placeOf(limit);
+        Agenda agenda;
+        agenda.add({-std::numeric_limits<float>::infinity(), 0, 0});
+        while (!agenda.isEmpty()) {
+            const Task task = agenda.take();
+            if (task.begin > end)
+                continue;
+            if (task.count == 0) {
+                enter(task.first, line, end, agenda);
+                continue;
             }
+            const Leaf leaf = leafOf(task);
+            for (std::uint32_t i = 0; i < leaf.count; ++i)
+                candidates.expect(leaf.numbers[i]);
+            for (std::uint32_t i = 0; i < leaf.count; ++i)
+                limit = candidates.test(leaf.numbers[i]);
+            end = line.placeOf(limit);
         }
     }
 
@@ -97,39 +108,70 @@ public:
 private:
     class Builder;
 
-    /// Children of a node.
-    static constexpr std::size_t width = 4;
+    static constexpr std::uint32_t trianglesPerLeaf = 4;
     /// As deep as a tree gets: one level for each bit of a code, and of a number of triangles.
     static constexpr std::size_t mostLevels = 64;
-    static constexpr std::size_t mostWaiting = mostLevels * (width - 1) + 1;
+    static constexpr std::size_t mostTasks = mostLevels * (BoxNode::width - 1) + 1;
 
     /// Set in a leaf's count where its triangles do not follow each other, but stand in a list.
     static constexpr std::uint8_t listed = 0x80;
 
-    using Lane = std::array<float, width>;
-
-    /// The boxes of four children side by side. A child that is not there has an empty one.
-    struct alignas(64) Node {
-        std::array<Lane, 6> bounds;             ///< low x, y, z, high x, y, z
-        std::array<std::uint32_t, width> first; ///< a child's node, triangle or place of it
-        std::array<std::uint16_t, width> gain;  ///< upper half of the float that is g, rounded up
-        std::array<std::uint8_t, width> count;  ///< a child's triangles; 0: it is a node
+    /// A child that the line meets.
+    struct Task {
+        float begin;         ///< where on the line, at the earliest
+        std::uint32_t first; ///< as the node has them
+        std::uint32_t count;
     };
 
-    /// A line as boxes are tested against it, in the tree's units.
-    struct Line {
-        std::array<float, 3> origin;
-        std::array<float, 3> inverse;         ///< of the direction
-        std::array<std::size_t, 3> nearBound; ///< which bound of a box is met first
-        std::array<std::size_t, 3> farBound;
-        float padding; ///< of every box
-        float paddingPerGain;
+    struct Leaf {
+        std::array<std::uint32_t, trianglesPerLeaf> numbers;
+        std::uint32_t count;
+    };
+
+    /// What is still to be visited, what begins first on top.
+    class Agenda {
+    public:
+        bool isEmpty() const { return m_count == 0; }
+        Task take() { return m_tasks[--m_count]; }
+        void add(const Task& task) { m_tasks[m_count++] = task; }
+
+        std::size_t size() const { return m_count; }
+
+        /// Adds it in its place among those above the lowest `below`.
+        void insert(const Task& task, std::size_t below) {
+            std::size_t place = m_count++;
+            for (; place > below && m_tasks[place - 1].begin < task.begin; --place)
+                m_tasks[place] = m_tasks[place - 1];
+            m_tasks[place] = task;
+        }
+
+    private:
+        std::size_t m_count = 0;
+        std::array<Task, mostTasks> m_tasks;
+    };
+
+    /// The line of a ray, and how distances from the ray's origin become places on it.
+    struct Line : BoxLine {
+        double originPlace; ///< of the ray's origin, in the ray's lengths
+        double unit;
+
+        float placeOf(double distance) const;
     };
 
     Line makeLine(const PickRay& ray) const;
-    static std::array<bool, width> meets(const Node& node, const Line& line);
 
-    std::vector<Node> m_nodes;            ///< the root first
+    Leaf leafOf(const Task& task) const {
+        Leaf leaf;
+        leaf.count = task.count & ~listed;
+        for (std::uint32_t i = 0; i < leaf.count; ++i)
+            leaf.numbers[i] =
+                (task.count & listed) == 0 ? task.first + i : m_numbers[task.first + i];
+        return leaf;
+    }
+
+    void enter(std::uint32_t place, const Line& line, float end, Agenda& agenda) const;
+
+    std::vector<BoxNode> m_nodes;         ///< the root first
     std::vector<std::uint32_t> m_numbers; ///< the list
     std::vector<std::uint32_t> m_always;  ///< triangles that fit into no box
     osg::Vec3d m_origin;                  ///< of the tree's coordinates

@@ -141,7 +141,7 @@ TEST(IntersectionVisitorTest, TriangleBehindTheOriginIsHitToo) {
     // Its centre lies before the origin, so that the sphere lets it through, one triangle behind.
     const auto both =
         makeTriangles({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}, {-1, -1, 14}, {1, -1, 14}, {0, 1, 14}});
-    const std::deque<osg::Vec3d> hits = hitsOf(*both, rayDown(0, 0));
+    const std::vector<osg::Vec3d> hits = hitsOf(*both, rayDown(0, 0));
     ASSERT_EQ(hits.size(), 2u);
     EXPECT_EQ(hits.front(), osg::Vec3d(0, 0, 14));
     EXPECT_EQ(hits.back(), osg::Vec3d(0, 0, 0));
@@ -155,7 +155,7 @@ TEST(IntersectionVisitorTest, TriangleWithACoordinateThatIsNoNumberPassesEveryCo
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const auto broken =
         makeTriangles({{-1, -1, 0}, {1, -1, 0}, {0, 1, 0}, {nan, 0, 0}, {1, 0, 0}, {0, 1, 0}});
-    const std::deque<osg::Vec3d> hits = hitsOf(*broken, rayDown(0, 0));
+    const std::vector<osg::Vec3d> hits = hitsOf(*broken, rayDown(0, 0));
     ASSERT_EQ(hits.size(), 2u);
     EXPECT_EQ(hits.front(), osg::Vec3d(0, 0, 0));
     EXPECT_TRUE(hits.back().isNaN());
@@ -167,7 +167,7 @@ TEST(IntersectionVisitorTest, NearestHitIsFirstWhateverTheOrder) {
     const auto near = makeTriangleAt(3);
     const auto far = makeTriangleAt(-3);
     for (const auto& model : {groupOf({near, far}), groupOf({far, near})}) {
-        const std::deque<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
+        const std::vector<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
         ASSERT_EQ(hits.size(), 2u);
         EXPECT_EQ(hits.front(), osg::Vec3d(0, 0, 3));
     }
@@ -176,7 +176,7 @@ TEST(IntersectionVisitorTest, NearestHitIsFirstWhateverTheOrder) {
 TEST(IntersectionVisitorTest, FartherHitsAreAppendedAndNearerOnesPutInFront) {
     const auto model =
         groupOf({makeTriangleAt(0), makeTriangleAt(-1), makeTriangleAt(2), makeTriangleAt(1)});
-    const std::deque<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
+    const std::vector<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
     ASSERT_EQ(hits.size(), 4u);
     const double heights[] = {2, 0, -1, 1};
     for (std::size_t i = 0; i < 4; ++i)
@@ -186,7 +186,7 @@ TEST(IntersectionVisitorTest, FartherHitsAreAppendedAndNearerOnesPutInFront) {
 TEST(IntersectionVisitorTest, OfEquallyNearHitsTheFirstStays) {
     // Both planes are met at the same distance; the first triangle gives the hit.
     const auto model = groupOf({makeTriangleAt(1), makeTriangleAt(1)});
-    const std::deque<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
+    const std::vector<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
     ASSERT_EQ(hits.size(), 2u);
     EXPECT_TRUE(sameBits(hits[0], hits[1]));
 }
@@ -218,7 +218,7 @@ TEST(IntersectionVisitorTest, NearerHitAfterOneBehindTakesItsPlaceAgain) {
                                       {-1, -1, 9},
                                       {1, -1, 9},
                                       {0, 1, 9}});
-    const std::deque<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
+    const std::vector<osg::Vec3d> hits = hitsOf(*model, rayDown(0, 0));
     ASSERT_EQ(hits.size(), 3u);
     EXPECT_EQ(hits[0].z(), 9);
     EXPECT_EQ(hits[1].z(), 17);
@@ -228,7 +228,7 @@ TEST(IntersectionVisitorTest, NearerHitAfterOneBehindTakesItsPlaceAgain) {
 TEST(IntersectionVisitorTest, DistanceCountsInLengthsOfTheDirection) {
     const auto model = groupOf({makeTriangleAt(0), makeTriangleAt(4)});
     const PickRay ray{{0, 0, 10}, {0, 0, -4}};
-    const std::deque<osg::Vec3d> hits = hitsOf(*model, ray);
+    const std::vector<osg::Vec3d> hits = hitsOf(*model, ray);
     ASSERT_EQ(hits.size(), 2u);
     EXPECT_EQ(hits[0], osg::Vec3d(0, 0, 4));
 }

@@ -5,6 +5,7 @@
 #include <osg/Group>
 #include <osg/MatrixTransform>
 
+#include <algorithm>
 #include <cstring>
 
 namespace orbisk::test {
@@ -53,14 +54,14 @@ osg::ref_ptr<osg::Node> groupOf(const std::vector<osg::ref_ptr<osg::Node>>& chil
     return group;
 }
 
-std::deque<osg::Vec3d> hitsOf(osg::Node& model, const PickRay& ray) {
+std::vector<osg::Vec3d> hitsOf(osg::Node& model, const PickRay& ray) {
     IntersectionVisitor visitor(ray.origin, ray.direction);
     model.accept(visitor);
-    return visitor.hits();
+    return visitor.hits().all();
 }
 
 std::optional<osg::Vec3d> firstHit(osg::Node& model, const PickRay& ray) {
-    const std::deque<osg::Vec3d> hits = hitsOf(model, ray);
+    const std::vector<osg::Vec3d> hits = hitsOf(model, ray);
     return hits.empty() ? std::nullopt : std::optional<osg::Vec3d>(hits.front());
 }
 
@@ -76,6 +77,16 @@ PickRay rayDown(double x, double y) {
 
 bool sameBits(const osg::Vec3d& one, const osg::Vec3d& other) {
     return std::memcmp(one.ptr(), other.ptr(), 3 * sizeof(double)) == 0;
+}
+
+bool samePick(const std::vector<osg::Vec3d>& walked, const std::vector<osg::Vec3d>& indexed) {
+    if (walked.empty() || indexed.empty())
+        return walked.empty() && indexed.empty();
+    return sameBits(walked.front(), indexed.front()) &&
+           std::all_of(indexed.begin(), indexed.end(), [&walked](const osg::Vec3d& hit) {
+               return std::any_of(walked.begin(), walked.end(),
+                                  [&hit](const osg::Vec3d& known) { return sameBits(hit, known); });
+           });
 }
 
 } // namespace orbisk::test

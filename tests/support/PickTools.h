@@ -8,7 +8,6 @@
 #include <osg/Vec3d>
 #include <osg/ref_ptr>
 
-#include <deque>
 #include <optional>
 #include <vector>
 
@@ -35,7 +34,7 @@ osg::ref_ptr<osg::Node> transformed(osg::Node* node, const osg::Matrixd& matrix)
 osg::ref_ptr<osg::Node> groupOf(const std::vector<osg::ref_ptr<osg::Node>>& children);
 
 /// What the visitor finds along a ray; the direction is taken as it is.
-std::deque<osg::Vec3d> hitsOf(osg::Node& model, const PickRay& ray);
+std::vector<osg::Vec3d> hitsOf(osg::Node& model, const PickRay& ray);
 
 /// The first of them, if any.
 std::optional<osg::Vec3d> firstHit(osg::Node& model, const PickRay& ray);
@@ -48,5 +47,9 @@ PickRay rayDown(double x, double y);
 
 /// Whether two points have the same bits.
 bool sameBits(const osg::Vec3d& one, const osg::Vec3d& other);
+
+/// Whether `indexed`, the hits that the index finds, pick the same as `walked`, those of the walk:
+/// the first has the same bits, and the others are some of those.
+bool samePick(const std::vector<osg::Vec3d>& walked, const std::vector<osg::Vec3d>& indexed);
 
 } // namespace orbisk::test
