@@ -7,6 +7,7 @@
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
 #include "view/ModelCheck.h"
+#include "view/NodeCheck.h"
 #include "view/ReadRules.h"
 #include "view/RemoteDocuments.h"
 
@@ -224,8 +225,11 @@ private:
     static Result checked(Result& result) {
         if (!result.validNode())
             return result;
-        const auto fault = checkModel(*result.getNode());
-        return fault ? Result(*fault) : result;
+        const osg::ref_ptr<osg::Node> shown = shownForm(*result.getNode());
+        const auto fault = checkModel(*shown);
+        if (fault)
+            return Result(*fault);
+        return shown == result.getNode() ? result : Result(shown);
     }
 };
 
