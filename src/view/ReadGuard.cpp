@@ -1,5 +1,6 @@
 #include "view/ReadGuard.h"
 
+#include "platform/MemoryLimit.h"
 #include "readers/ColladaLook.h"
 #include "readers/InventorLook.h"
 #include "readers/ModelReaders.h"
@@ -18,6 +19,7 @@
 #include <osgDB/Registry>
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <mutex>
@@ -103,6 +105,15 @@ std::string fileOf(const std::string& name, const osgDB::Options* options) {
 bool isPipeOrDevice(const std::string& file) {
     std::error_code error;
     return std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error);
+}
+
+/// How much memory reading a file may take: nothing unpacks to more, and no reader needs more.
+std::size_t roomFor(const std::string& file, bool isOutermost) {
+    constexpr std::size_t first = std::size_t(2) << 30;
+    constexpr std::size_t forEachByte = 64;
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    return (isOutermost ? first : 0) + (error ? 0 : forEachByte * size);
 }
 
 /// Looks at a file before its reader does, where that tells what its reader would break on.
@@ -207,6 +218,7 @@ private:
         if (ReadMark::isTooMuch() || ReadMark::isInside(file))
             return Result("files that read each other without end are not read");
         const ReadMark mark(file);
+        const MemoryLimit limit(roomFor(file, isOutermost));
         Result result = withoutThrowing(read);
         return isOutermost ? checked(result) : result;
     }
