@@ -1,7 +1,10 @@
 #include "view/ReadGuard.h"
 
 #include "platform/MemoryLimit.h"
+#include "readers/Ac3dLook.h"
+#include "readers/BinaryMeshLooks.h"
 #include "readers/ColladaLook.h"
+#include "readers/DirectXLook.h"
 #include "readers/InventorLook.h"
 #include "readers/ModelReaders.h"
 #include "readers/OldTextLook.h"
@@ -22,6 +25,7 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -122,13 +126,13 @@ std::optional<std::string> contentRefusal(const std::string& name, const std::st
     const std::string path = osgDB::findDataFile(name, options);
     if (path.empty())
         return std::nullopt;
-    if (extension == "osg")
-        return oldTextRefusal(path);
-    if (extension == "dae")
-        return colladaRefusal(path);
-    if (extension == "wrl" || extension == "iv")
-        return inventorRefusal(path);
-    return std::nullopt;
+    using Look = std::optional<std::string> (*)(const std::string& path);
+    static const std::map<std::string, Look> looks = {
+        {"ac", ac3dRefusal},      {"dae", colladaRefusal},   {"iv", inventorRefusal},
+        {"lw", lightwaveRefusal}, {"lwo", lightwaveRefusal}, {"md2", md2Refusal},
+        {"osg", oldTextRefusal},  {"wrl", inventorRefusal},  {"x", directXRefusal}};
+    const auto look = looks.find(extension);
+    return look != looks.end() ? look->second(path) : std::nullopt;
 }
 
 /// Reads a model from a stream that throws where the file ends, for a reader that would go on.
