@@ -1,3 +1,4 @@
+#include "damage/Damage.h"
 #include "damage/LookOutcome.h"
 #include "support/SceneTools.h"
 #include "support/TemporaryFolder.h"
@@ -371,15 +372,45 @@ constexpr Case cases[] = {
     {"LightPointsThatBlinkWithoutPulses", lightPointsThatBlinkWithoutPulses},
 };
 
-class HostileNativeTest : public testing::TestWithParam<Case> {
+/// A bit of everything that is shown, with numbers that make sense.
+osg::ref_ptr<osg::Group> everything() {
+    osg::ref_ptr<osg::Group> model = new osg::Group;
+    model->addChild(billboard(3));
+    model->addChild(shapeModel(heightField(4, 3)));
+    model->addChild(shapeModel(new osg::Capsule));
+    model->addChild(withChildren<osg::Switch>(new osg::Switch, 3));
+    const osg::ref_ptr<osgSim::MultiSwitch> multi =
+        withChildren<osgSim::MultiSwitch>(new osgSim::MultiSwitch, 3);
+    multi->setAllChildrenOn(1);
+    model->addChild(multi);
+    model->addChild(sequence());
+    model->addChild(skeletonWith(rig(3, 0.5f)).model);
+    const osg::ref_ptr<osg::Geode> geode = new osg::Geode;
+    geode->addDrawable(morph(4));
+    geode->addDrawable(label());
+    geode->getOrCreateStateSet()->addUniform(new osg::Uniform("name", osg::Vec3(1, 2, 3)));
+    addTexture(*geode->getOrCreateStateSet(), makeImage({1, 2, 3, 4}));
+    model->addChild(geode);
+    const osg::ref_ptr<osgSim::BlinkSequence> blinking = new osgSim::BlinkSequence;
+    blinking->addPulse(1.0, osg::Vec4(1, 1, 1, 1));
+    model->addChild(lightPoints(10.0f, blinking).model);
+    const osg::ref_ptr<osg::LOD> lod = new osg::LOD;
+    lod->addChild(makeQuadGeode(), 0.0f, 1e6f);
+    model->addChild(lod);
+    return model;
+}
+
+class HostileNativeTest : public testing::Test {
 protected:
     WorkingFolder m_folder;
     QuietLibrary m_quiet;
 };
 
+class HostileCaseTest : public HostileNativeTest, public testing::WithParamInterface<Case> {};
+
 } // namespace
 
-TEST_P(HostileNativeTest, EndsAsItShould) {
+TEST_P(HostileCaseTest, EndsAsItShould) {
     const Hostile hostile = GetParam().make();
     ASSERT_TRUE(osgDB::writeNodeFile(*hostile.model, "hostile.osgt"));
     std::string text = readFile("hostile.osgt");
@@ -393,7 +424,24 @@ TEST_P(HostileNativeTest, EndsAsItShould) {
     EXPECT_EQ(outcome.text(), GetParam().outcome) << "\n" << readFile("messages").substr(0, 2000);
 }
 
-INSTANTIATE_TEST_SUITE_P(Case, HostileNativeTest, testing::ValuesIn(cases),
+INSTANTIATE_TEST_SUITE_P(Case, HostileCaseTest, testing::ValuesIn(cases),
                          [](const auto& hostile) { return std::string(hostile.param.name); });
+
+TEST_F(HostileNativeTest, NothingOfWhatIsShownBreaksWithWrongNumbers) {
+    const osg::ref_ptr<osg::Group> model = everything();
+    constexpr std::uint64_t tries = 60;
+    for (const std::string name : {"model.osgt", "model.osgb"}) {
+        const osg::ref_ptr<osgDB::Options> options =
+            new osgDB::Options("WriteImageHint=IncludeData");
+        ASSERT_TRUE(osgDB::writeNodeFile(*model, name, options));
+        const std::string good = readFile(name);
+        EXPECT_EQ(lookAt(ORBISK_LOOK_AT_MODEL, name, "messages").text(), "looked at") << name;
+        for (std::uint64_t seed = 0; seed < tries; ++seed) {
+            writeFile("damaged" + name, damagedMeaning(good, seed));
+            const LookOutcome outcome = lookAt(ORBISK_LOOK_AT_MODEL, "damaged" + name, "messages");
+            EXPECT_TRUE(outcome.isSafe()) << name << ", " << seed << ": " << outcome.text();
+        }
+    }
+}
 
 } // namespace orbisk::test
