@@ -59,6 +59,25 @@ TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
     EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
 }
 
+TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
+    const auto field = [](const std::string& area, const std::string& heights) {
+        return "HeightField {\n  NumColumnsAndRows " + area + "\n  Heights {\n    " + heights +
+               "\n  }\n}\n";
+    };
+    EXPECT_TRUE(isOldTextFine(field("2 3", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "0 1 2 3 4")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "0 1 2 3 4 5 6")));
+    EXPECT_FALSE(isOldTextFine(field("1 6", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("65536 65536", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("-2 -3", "0 1 2 3 4 5")));
+}
+
+TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
+    EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
+    for (const char* ratio : {"50000", "nan", "-1", "inf"})
+        EXPECT_FALSE(isOldTextFine(std::string("detailRatio ") + ratio + "\n")) << ratio;
+}
+
 TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
     std::string text;
     for (int i = 0; i < 2000; ++i)
