@@ -130,14 +130,15 @@ void checkCallback(osg::Callback& callback) {
     }
 }
 
-/// @return whether a callback and those within it come to an end.
-bool checkChain(osg::Callback* callback) {
-    int count = 0;
-    for (; callback && count < mostNestedCallbacks; ++count) {
+/// Looks at a callback and those within it, as far as there should be any.
+void checkChain(osg::Callback* callback) {
+    for (int count = 1; callback; ++count) {
         checkCallback(*callback);
+        // One that contains itself would also never be deleted.
+        if (count == mostNestedCallbacks)
+            callback->setNestedCallback(nullptr);
         callback = callback->getNestedCallback();
     }
-    return !callback;
 }
 
 } // namespace
@@ -150,12 +151,9 @@ void checkAnimation(osg::Drawable& drawable) {
 }
 
 void checkCallbacks(osg::Node& node) {
-    if (!checkChain(node.getUpdateCallback()))
-        node.setUpdateCallback(nullptr);
-    if (!checkChain(node.getEventCallback()))
-        node.setEventCallback(nullptr);
-    if (!checkChain(node.getCullCallback()))
-        node.setCullCallback(nullptr);
+    checkChain(node.getUpdateCallback());
+    checkChain(node.getEventCallback());
+    checkChain(node.getCullCallback());
 }
 
 } // namespace orbisk
