@@ -8,6 +8,8 @@
 #include "readers/InventorLook.h"
 #include "readers/ModelReaders.h"
 #include "readers/OldTextLook.h"
+#include "readers/SaferSerializers.h"
+#include "readers/XmlSceneLook.h"
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
 #include "view/ModelCheck.h"
@@ -130,7 +132,8 @@ std::optional<std::string> contentRefusal(const std::string& name, const std::st
     static const std::map<std::string, Look> looks = {
         {"ac", ac3dRefusal},      {"dae", colladaRefusal},   {"iv", inventorRefusal},
         {"lw", lightwaveRefusal}, {"lwo", lightwaveRefusal}, {"md2", md2Refusal},
-        {"osg", oldTextRefusal},  {"wrl", inventorRefusal},  {"x", directXRefusal}};
+        {"osg", oldTextRefusal},  {"osgx", xmlSceneRefusal}, {"wrl", inventorRefusal},
+        {"x", directXRefusal}};
     const auto look = looks.find(extension);
     return look != looks.end() ? look->second(path) : std::nullopt;
 }
@@ -195,6 +198,9 @@ public:
             const std::string extension = osgDB::getLowerCaseFileExtension(name);
             if (const auto refusal = contentRefusal(name, extension, options))
                 return Result(*refusal);
+            // The native format too, but with its words taken by the library.
+            if (extension == "osgx")
+                installSaferSerializers();
             return extension == "ive" ? readFromStream(name, extension, options)
                                       : ReadFileCallback::readNode(name, options);
         });

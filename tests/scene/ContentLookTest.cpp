@@ -1,6 +1,7 @@
 #include "readers/ColladaLook.h"
 #include "readers/InventorLook.h"
 #include "readers/OldTextLook.h"
+#include "readers/XmlSceneLook.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -57,6 +58,21 @@ TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
     EXPECT_FALSE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3^ 3\n }\n"));
     EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
+}
+
+TEST_F(ContentLookTest, XmlSceneNestedTooDeeplyIsRefused) {
+    const auto isFine = [](const std::string& text) {
+        writeFile("model.osgx", "<?xml version=\"1.0\"?>" + text);
+        return !xmlSceneRefusal("model.osgx");
+    };
+    std::string deep;
+    std::string flat;
+    for (int i = 0; i < 100'000; ++i) {
+        deep += "<osg--Group>";
+        flat += "<osg--Group></osg--Group><UniqueID/>";
+    }
+    EXPECT_TRUE(isFine(flat));
+    EXPECT_FALSE(isFine(deep));
 }
 
 TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
