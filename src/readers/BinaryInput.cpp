@@ -93,7 +93,7 @@ void BinaryInput::readDouble(double& value) {
     sawOther();
 }
 
-void BinaryInput::readString(std::string& value) {
+void BinaryInput::takeText(std::string& value) {
     const auto size = take<std::int32_t>();
     if (size < 0)
         fail("a text of negative length");
@@ -102,7 +102,11 @@ void BinaryInput::readString(std::string& value) {
         value.resize(static_cast<std::size_t>(size));
         take(value.data(), value.size());
     }
-    sawText(value);
+}
+
+void BinaryInput::readString(std::string& value) {
+    takeText(value);
+    sawWord(value);
 }
 
 void BinaryInput::readStream(std::istream& (*)(std::istream&)) {}
@@ -151,7 +155,8 @@ void BinaryInput::readCharArray(char* bytes, unsigned int size) {
 }
 
 void BinaryInput::readWrappedString(std::string& value) {
-    readString(value);
+    takeText(value);
+    sawText(value);
 }
 
 void BinaryInput::advanceToCurrentEndBracket() {

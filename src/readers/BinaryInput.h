@@ -39,6 +39,7 @@ private:
     void take(char* bytes, std::size_t size);
     template <typename Value>
     Value take();
+    void takeText(std::string& value);
     void beginBlock();
 
     std::vector<std::streamoff> m_blockEnds; ///< of the blocks that are open

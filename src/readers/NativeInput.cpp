@@ -1,12 +1,17 @@
 #include "readers/NativeInput.h"
 
+#include "readers/NativeClasses.h"
+
 #include <osg/Image>
+#include <osg/Notify>
 #include <osgDB/DataTypes>
+#include <osgDB/FileNameUtils>
 #include <osgDB/ObjectWrapper>
 #include <osgDB/Registry>
 
 #include <algorithm>
 #include <istream>
+#include <set>
 
 namespace orbisk {
 
@@ -31,6 +36,14 @@ enum ImageNumber : std::size_t {
     LevelCount = 12,
     FirstLevel = 13
 };
+
+/// The third number of a binary file has a bit for each thing that is not as usual.
+constexpr std::size_t headNumbers = 3;
+constexpr std::int64_t hasOrderOfItsOwn = 2;
+
+const std::set<std::string> pictureExtensions = {"bmp", "dds",  "gif", "hdr", "jpe", "jpeg",
+                                                 "jpg", "pbm",  "pgm", "png", "pnm", "ppm",
+                                                 "rgb", "rgba", "sgi", "tga", "tif", "tiff"};
 
 constexpr std::int64_t longestSide = 1 << 16;
 constexpr std::uint64_t bitsPerByte = 8;
@@ -67,6 +80,13 @@ void NativeInput::expectElements(std::uint64_t count) const {
 void NativeInput::sawNumber(std::int64_t number) {
     m_last = Word::Number;
     m_number = number;
+    // It is kept for all files that come after this one.
+    if (isBinary() && m_headNumbers < headNumbers && ++m_headNumbers == headNumbers &&
+        (number & hasOrderOfItsOwn) != 0)
+        fail("the file orders properties in a way of its own");
+    if (number == 0 && m_property == "KeyFrameContainer")
+        fail("a channel has no keys");
+    m_property.clear();
     if (m_isIdentityNext)
         sawIdentity(number);
     else if (m_image.isOpen)
@@ -86,7 +106,22 @@ void NativeInput::sawText(const std::string& text) {
         m_image.dataBytes += text.size() / encodedLetters * decodedBytes;
 }
 
+void NativeInput::sawWord(std::string& word) {
+    if (word.compare(0, 3, "osg") == 0 && word.find("::") != std::string::npos) {
+        const std::string className = readClassFor(word);
+        if (className != word) {
+            OSG_WARN << word << " is not shown." << std::endl;
+            // Without brackets nobody knows where it ends.
+            if (isBinary() && !_supportBinaryBrackets)
+                fail("a class that is not shown");
+            word = className;
+        }
+    }
+    sawText(word);
+}
+
 void NativeInput::sawProperty(const std::string& name, int value) {
+    m_property = name;
     m_isModeNext = name == "PrimitiveType" && !m_isModeNext;
     if (m_isModeNext && (value < osgDB::ID_DRAWARRAYS || value > osgDB::ID_DRAWELEMENTS_UINT))
         fail("a geometry has something else among its primitives");
@@ -181,10 +216,18 @@ NativeInput::Kind NativeInput::kindOf(const std::string& className) {
     return kind;
 }
 
+void NativeInput::checkPackedImage() const {
+    // The library unpacks it past the door that files come through.
+    if (pictureExtensions.count(osgDB::getLowerCaseFileExtension(m_text)) == 0)
+        fail("a picture of no known format");
+}
+
 void NativeInput::takeImageNumber(std::int64_t number) {
     std::vector<std::int64_t>& numbers = m_image.numbers;
     numbers.push_back(number);
     const std::size_t place = numbers.size() - 1;
+    if (place == Decision && number == osgDB::IMAGE_INLINE_FILE)
+        checkPackedImage();
     if (place == Decision && number != osgDB::IMAGE_INLINE_DATA)
         m_image.isOpen = false;
     if (place == DataSize) {

@@ -24,7 +24,10 @@ public:
 /// - an object inside an object deeper than any model goes, or a node inside itself,
 /// - an image that refers to what was another kind of object,
 /// - among the primitive sets of a geometry something else,
-/// - an image larger than its data.
+/// - an image larger than its data, or packed in a format that is none of pictures,
+/// - a channel of an animation without keys, or a file that orders properties in a way of its own.
+///
+/// Classes that are not shown it replaces by others (`readClassFor`).
 ///
 /// The classes below tell it of every word. A stream belongs to the caller and outlives this.
 class NativeInput : public osgDB::InputIterator {
@@ -49,6 +52,8 @@ protected:
     // One call for every word, in the order of the file.
     void sawNumber(std::int64_t number);
     void sawText(const std::string& text);
+    /// @param word where it is the name of a class, it may come back as that of another.
+    void sawWord(std::string& word);
     void sawProperty(const std::string& name, int value);
     void sawBegin();
     void sawEnd();
@@ -80,6 +85,7 @@ private:
     void sawIdentity(std::int64_t id);
     void checkElement(Kind kind);
     void checkNesting(std::int64_t id) const;
+    void checkPackedImage() const;
     void takeImageNumber(std::int64_t number);
     void checkImageText() const;
     std::uint64_t levelBytes(std::size_t level) const;
@@ -87,6 +93,8 @@ private:
     Word m_last = Word::Other;
     std::int64_t m_number = 0;
     std::string m_text;
+    std::string m_property;
+    std::size_t m_headNumbers = 0; ///< read so far of those that a file begins with
     bool m_isIdentityNext = false;
     bool m_isObject = false;   ///< whose identity comes next, else an image
     bool m_isElement = false;  ///< the last text stands where a list has an element

@@ -1,6 +1,7 @@
 #include "readers/NativeReader.h"
 
 #include "readers/BinaryInput.h"
+#include "readers/SaferSerializers.h"
 #include "readers/TextInput.h"
 
 #include <osg/Image>
@@ -72,6 +73,7 @@ Result read(const osgDB::ReaderWriter& reader, const std::string& name,
     const std::string path = osgDB::findDataFile(name, options);
     if (path.empty())
         return Result::FILE_NOT_FOUND;
+    installSaferSerializers();
     osgDB::ifstream file(path.c_str(), std::ios::binary);
     const osg::ref_ptr<NativeInput> input = inputFor(file);
     if (!input)

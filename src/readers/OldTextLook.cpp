@@ -1,8 +1,12 @@
 #include "readers/OldTextLook.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 namespace orbisk {
 
@@ -55,6 +59,57 @@ bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {
     return end != std::string::npos && text[end] == '}';
 }
 
+/// The words from `place` on, one after the other.
+std::vector<std::string> wordsFrom(const std::string& text, std::size_t place, std::size_t count) {
+    std::vector<std::string> words;
+    constexpr const char* between = " \t\r\n";
+    while (words.size() < count) {
+        const std::size_t begin = text.find_first_not_of(between, place);
+        if (begin == std::string::npos)
+            break;
+        place = std::min(text.find_first_of(between, begin), text.size());
+        words.push_back(text.substr(begin, place - begin));
+    }
+    return words;
+}
+
+/// Whether the heights of the field whose area stands at `place` are as many as that, in brackets.
+bool hasItsHeights(const std::string& text, std::size_t place) {
+    constexpr std::uint64_t fewest = 2;
+    const std::vector<std::string> sides = wordsFrom(text, place, 2);
+    if (sides.size() < 2)
+        return false;
+    const std::uint64_t columns = std::strtoul(sides[0].c_str(), nullptr, 0);
+    const std::uint64_t rows = std::strtoul(sides[1].c_str(), nullptr, 0);
+    if (columns < fewest || rows < fewest || columns > text.size() || rows > text.size() ||
+        columns * rows > text.size())
+        return false;
+    const std::size_t heights = text.find("Heights", place);
+    if (heights == std::string::npos)
+        return true;
+    const std::vector<std::string> words = wordsFrom(text, heights, columns * rows + 3);
+    return words.size() == columns * rows + 3 && words[1] == "{" &&
+           std::find(words.begin(), words.end(), "}") == words.end() - 1;
+}
+
+std::optional<std::string> shapeRefusal(const std::string& text) {
+    constexpr double highestDetail = 16.0;
+    const std::string area = "NumColumnsAndRows";
+    for (std::size_t place = text.find(area); place != std::string::npos;
+         place = text.find(area, place + 1))
+        if (!hasItsHeights(text, place + area.size()))
+            return "a height field has another number of heights than it says";
+    const std::string detail = "detailRatio";
+    for (std::size_t place = text.find(detail); place != std::string::npos;
+         place = text.find(detail, place + 1)) {
+        const std::vector<std::string> ratio = wordsFrom(text, place + detail.size(), 1);
+        const double number = ratio.empty() ? 0.0 : std::strtod(ratio[0].c_str(), nullptr);
+        if (!(number >= 0.0 && number <= highestDetail))
+            return "a shape of absurd detail";
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::optional<std::string> oldTextRefusal(const std::string& path) {
@@ -75,7 +130,7 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
         if (holdsPrimitives(text, place) && !hasOnlyNumbers(text, place))
             return "a primitive set has something else than numbers";
     }
-    return std::nullopt;
+    return shapeRefusal(text);
 }
 
 } // namespace orbisk

@@ -102,7 +102,7 @@ void TextInput::readDouble(double& value) {
 
 void TextInput::readString(std::string& value) {
     value = takeWord();
-    sawText(value);
+    sawWord(value);
 }
 
 void TextInput::readStream(std::istream& (*)(std::istream&)) {}

@@ -1,17 +1,15 @@
 #include "view/ModelCheck.h"
 
+#include "view/AnimationCheck.h"
 #include "view/GeometryCheck.h"
+#include "view/NodeCheck.h"
+#include "view/StateCheck.h"
 
-#include <osg/AutoTransform>
 #include <osg/Geometry>
 #include <osg/Group>
-#include <osg/LOD>
-#include <osg/MatrixTransform>
-#include <osg/PositionAttitudeTransform>
-#include <osg/Projection>
 
 #include <algorithm>
-#include <cmath>
+#include <map>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -19,69 +17,6 @@
 namespace orbisk {
 
 namespace {
-
-template <typename Vector>
-bool areUsable(const Vector& vector, int size) {
-    for (int i = 0; i < size; ++i)
-        if (!isUsableCoordinate(static_cast<double>(vector[i])))
-            return false;
-    return true;
-}
-
-bool isUsable(const osg::Vec3d& vector) {
-    return areUsable(vector, 3);
-}
-
-bool isUsable(const osg::Quat& rotation) {
-    return areUsable(rotation, 4);
-}
-
-bool isUsable(const osg::Matrixd& matrix) {
-    constexpr int elements = 16;
-    return areUsable(matrix.ptr(), elements);
-}
-
-bool isUsable(const osg::BoundingSphere& sphere) {
-    return isUsable(sphere.center()) && isUsableCoordinate(static_cast<double>(sphere.radius()));
-}
-
-/// Whether the numbers that place a transform's children make sense.
-bool placesItsChildren(osg::Transform& transform) {
-    if (const osg::MatrixTransform* matrix = transform.asMatrixTransform())
-        return isUsable(matrix->getMatrix());
-    if (const osg::PositionAttitudeTransform* place = transform.asPositionAttitudeTransform())
-        return isUsable(place->getPosition()) && isUsable(place->getAttitude()) &&
-               isUsable(place->getScale()) && isUsable(place->getPivotPoint());
-    if (const auto* turned = dynamic_cast<const osg::AutoTransform*>(&transform))
-        return isUsable(turned->getPosition()) && isUsable(turned->getRotation()) &&
-               isUsable(turned->getScale()) && isUsable(turned->getPivotPoint());
-    return true;
-}
-
-void checkNumbers(osg::LOD& lod) {
-    if (isUsable(lod.getCenter()) && isUsableCoordinate(static_cast<double>(lod.getRadius())))
-        return;
-    lod.setCenterMode(osg::LOD::USE_BOUNDING_SPHERE_CENTER);
-    lod.setCenter(osg::Vec3());
-    lod.setRadius(-1.0f);
-}
-
-void checkNumbers(osg::Node& node) {
-    if (node.getInitialBound().valid() && !isUsable(node.getInitialBound()))
-        node.setInitialBound(osg::BoundingSphere());
-    osg::Group* group = node.asGroup();
-    if (!group)
-        return;
-    if (osg::Transform* transform = node.asTransform()) {
-        if (!placesItsChildren(*transform))
-            group->removeChildren(0, group->getNumChildren());
-    } else if (auto* lod = dynamic_cast<osg::LOD*>(group)) {
-        checkNumbers(*lod);
-    } else if (const auto* projection = dynamic_cast<const osg::Projection*>(group)) {
-        if (!isUsable(projection->getMatrix()))
-            group->removeChildren(0, group->getNumChildren());
-    }
-}
 
 /// Walks a model with a stack of its own, each node once.
 class ModelWalk {
@@ -106,9 +41,14 @@ private:
     };
 
     void enter(osg::Node& node) {
-        checkNumbers(node);
+        checkNode(node);
+        checkCallbacks(node);
         if (osg::Geometry* geometry = node.asGeometry())
             checkGeometry(*geometry);
+        if (osg::Drawable* drawable = node.asDrawable())
+            checkAnimation(*drawable);
+        if (osg::StateSet* state = node.getStateSet(); state && m_states.insert(state).second)
+            checkState(*state);
         Facts& facts = m_facts[&node];
         osg::Group* group = node.asGroup();
         facts.isOpen = group != nullptr;
@@ -129,7 +69,7 @@ private:
                 add(*m_path.back().group, *group);
             return;
         }
-        osg::Node& child = *group->getChild(place.nextChild++);
+        osg::Node& child = shownChild(*group, place.nextChild++);
         const auto known = m_facts.find(&child);
         if (known != m_facts.end() && known->second.isOpen) {
             m_fault = "it contains itself";
@@ -139,6 +79,19 @@ private:
             enter(child);
         if (!m_facts[&child].isOpen)
             add(*group, child);
+    }
+
+    /// The child at `index`, with what is shown for it in its place.
+    osg::Node& shownChild(osg::Group& group, unsigned int index) {
+        const osg::ref_ptr<osg::Node> child = group.getChild(index);
+        const auto known = m_forms.find(child);
+        const osg::ref_ptr<osg::Node> form =
+            known != m_forms.end() ? known->second : shownForm(*child);
+        if (form == child)
+            return *child;
+        m_forms.emplace(child, form);
+        group.setChild(index, form);
+        return *form;
     }
 
     /// Takes what is known of a finished child into its parent.
@@ -154,6 +107,8 @@ private:
     }
 
     std::unordered_map<const osg::Node*, Facts> m_facts;
+    std::map<osg::ref_ptr<osg::Node>, osg::ref_ptr<osg::Node>> m_forms; ///< of what is not shown
+    std::unordered_set<const osg::StateSet*> m_states;
     std::vector<Place> m_path;
     std::optional<std::string> m_fault;
 };

@@ -1,12 +1,19 @@
 #include "view/ReadGuard.h"
 
+#include "platform/MemoryLimit.h"
+#include "readers/Ac3dLook.h"
+#include "readers/BinaryMeshLooks.h"
 #include "readers/ColladaLook.h"
+#include "readers/DirectXLook.h"
 #include "readers/InventorLook.h"
 #include "readers/ModelReaders.h"
 #include "readers/OldTextLook.h"
+#include "readers/SaferSerializers.h"
+#include "readers/XmlSceneLook.h"
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
 #include "view/ModelCheck.h"
+#include "view/NodeCheck.h"
 #include "view/ReadRules.h"
 #include "view/RemoteDocuments.h"
 
@@ -17,8 +24,10 @@
 #include <osgDB/Registry>
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <system_error>
@@ -104,19 +113,29 @@ bool isPipeOrDevice(const std::string& file) {
     return std::filesystem::exists(file, error) && !std::filesystem::is_regular_file(file, error);
 }
 
+/// How much memory reading a file may take: nothing unpacks to more, and no reader needs more.
+std::size_t roomFor(const std::string& file, bool isOutermost) {
+    constexpr std::size_t first = std::size_t(2) << 30;
+    constexpr std::size_t forEachByte = 64;
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(file, error);
+    return (isOutermost ? first : 0) + (error ? 0 : forEachByte * size);
+}
+
 /// Looks at a file before its reader does, where that tells what its reader would break on.
 std::optional<std::string> contentRefusal(const std::string& name, const std::string& extension,
                                           const osgDB::Options* options) {
     const std::string path = osgDB::findDataFile(name, options);
     if (path.empty())
         return std::nullopt;
-    if (extension == "osg")
-        return oldTextRefusal(path);
-    if (extension == "dae")
-        return colladaRefusal(path);
-    if (extension == "wrl" || extension == "iv")
-        return inventorRefusal(path);
-    return std::nullopt;
+    using Look = std::optional<std::string> (*)(const std::string& path);
+    static const std::map<std::string, Look> looks = {
+        {"ac", ac3dRefusal},      {"dae", colladaRefusal},   {"iv", inventorRefusal},
+        {"lw", lightwaveRefusal}, {"lwo", lightwaveRefusal}, {"md2", md2Refusal},
+        {"osg", oldTextRefusal},  {"osgx", xmlSceneRefusal}, {"wrl", inventorRefusal},
+        {"x", directXRefusal}};
+    const auto look = looks.find(extension);
+    return look != looks.end() ? look->second(path) : std::nullopt;
 }
 
 /// Reads a model from a stream that throws where the file ends, for a reader that would go on.
@@ -179,6 +198,9 @@ public:
             const std::string extension = osgDB::getLowerCaseFileExtension(name);
             if (const auto refusal = contentRefusal(name, extension, options))
                 return Result(*refusal);
+            // The native format too, but with its words taken by the library.
+            if (extension == "osgx")
+                installSaferSerializers();
             return extension == "ive" ? readFromStream(name, extension, options)
                                       : ReadFileCallback::readNode(name, options);
         });
@@ -206,6 +228,7 @@ private:
         if (ReadMark::isTooMuch() || ReadMark::isInside(file))
             return Result("files that read each other without end are not read");
         const ReadMark mark(file);
+        const MemoryLimit limit(roomFor(file, isOutermost));
         Result result = withoutThrowing(read);
         return isOutermost ? checked(result) : result;
     }
@@ -224,8 +247,11 @@ private:
     static Result checked(Result& result) {
         if (!result.validNode())
             return result;
-        const auto fault = checkModel(*result.getNode());
-        return fault ? Result(*fault) : result;
+        const osg::ref_ptr<osg::Node> shown = shownForm(*result.getNode());
+        const auto fault = checkModel(*shown);
+        if (fault)
+            return Result(*fault);
+        return shown == result.getNode() ? result : Result(shown);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <cstring>
 
 namespace orbisk::test {
@@ -38,6 +39,7 @@ struct Extent {
 constexpr Extent large{20, 400};
 constexpr Extent small{3, 40};
 constexpr std::size_t mostDamages = 6;
+constexpr std::size_t mostMeanings = 4;
 
 /// The first kind of damage cuts a file off, after which little of it may be left.
 constexpr std::size_t kinds = 8;
@@ -88,6 +90,53 @@ void makeWordAbsurd(std::string& bytes, Dice& dice) {
     bytes.replace(first, last, absurdTexts[dice.below(std::size(absurdTexts))]);
 }
 
+Run wordAt(const std::string& bytes, std::size_t place) {
+    const auto isPart = [](unsigned char c) { return c > ' ' && c != ',' && c != ';'; };
+    const auto at = [&](std::size_t i) { return bytes.begin() + static_cast<std::ptrdiff_t>(i); };
+    const auto begin = std::find_if(at(place), bytes.end(), isPart);
+    const auto end = std::find_if_not(begin, bytes.end(), isPart);
+    return {static_cast<std::size_t>(begin - bytes.begin()), static_cast<std::size_t>(end - begin)};
+}
+
+/// Puts another word of the text, or a whole number close by, in a word's place.
+void changeWord(std::string& bytes, Dice& dice) {
+    const Run word = wordAt(bytes, dice.below(bytes.size()));
+    const Run other = wordAt(bytes, dice.below(bytes.size()));
+    const std::string former = bytes.substr(word.begin, word.size);
+    const bool isCount =
+        !former.empty() && std::all_of(former.begin(), former.end(),
+                                       [](unsigned char c) { return std::isdigit(c) != 0; });
+    const std::size_t way = dice.below(4);
+    std::string latter = bytes.substr(other.begin, other.size);
+    if (isCount && way != 0) {
+        const unsigned long long count = std::strtoull(former.c_str(), nullptr, 10);
+        latter = std::to_string(way == 1 ? count + 1 : way == 2 ? count - 1 : count * 2);
+    }
+    bytes.replace(word.begin, word.size, latter);
+}
+
+/// The same with numbers of four bytes, where there is one that is not large.
+void changeNumber(std::string& bytes, Dice& dice) {
+    constexpr std::size_t size = sizeof(std::uint32_t);
+    constexpr std::uint32_t highest = 100'000;
+    constexpr int tries = 1000;
+    if (bytes.size() < size)
+        return;
+    const auto find = [&](std::size_t& place) {
+        std::uint32_t number = 0;
+        for (int i = 0; i < tries && (number == 0 || number > highest); ++i) {
+            place = dice.below(bytes.size() - size + 1);
+            std::memcpy(&number, bytes.data() + place, size);
+        }
+        return number;
+    };
+    std::size_t place = 0;
+    std::size_t otherPlace = 0;
+    const std::uint32_t number = find(place);
+    const std::uint32_t ways[] = {find(otherPlace), number + 1, number - 1, number * 2};
+    std::memcpy(bytes.data() + place, &ways[dice.below(std::size(ways))], size);
+}
+
 /// @param bytes at least one.
 /// @param kind below `kinds`.
 void damage(std::string& bytes, std::size_t kind, const Extent& extent, Dice& dice) {
@@ -132,6 +181,19 @@ std::string damaged(const std::string& bytes, std::uint64_t seed) {
     std::string result = bytes;
     if (!result.empty())
         damage(result, dice.below(kinds), large, dice);
+    return result;
+}
+
+std::string damagedMeaning(const std::string& bytes, std::uint64_t seed) {
+    Dice dice(seed);
+    std::string result = bytes;
+    const bool isText = result.find('\0') == std::string::npos;
+    const std::size_t changes = 1 + dice.below(mostMeanings);
+    for (std::size_t i = 0; i < changes && !result.empty(); ++i)
+        if (isText)
+            changeWord(result, dice);
+        else
+            changeNumber(result, dice);
     return result;
 }
 

@@ -10,6 +10,10 @@ namespace orbisk::test {
 /// does the same damage everywhere.
 std::string damaged(const std::string& bytes, std::uint64_t seed);
 
+/// The same with damage that leaves the form of a file: some of its numbers and words, most of
+/// which are counts, indices and names, are exchanged, or one more, one less or the double.
+std::string damagedMeaning(const std::string& bytes, std::uint64_t seed);
+
 /// The same several times over with smaller damages, and now and then cut off: for small files, of
 /// which one large damage leaves little.
 std::string damagedOften(const std::string& bytes, std::uint64_t seed);

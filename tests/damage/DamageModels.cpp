@@ -1,7 +1,8 @@
 // Damages good model files at random and counts how many of them end a program that looks at them.
 //
-//     orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] FILE...
+//     orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] [--meaning] FILE...
 //
+// With --meaning the form of the files is left alone, and their numbers and words are exchanged.
 // The damage depends on the seed and the number of the try alone, so that a run can be repeated.
 // Each damaged file is looked at by a process of its own (orbisk_look_at_model, beside this
 // program); those that broke it are kept where --keep says. Exit code 1 where there were any.
@@ -28,6 +29,7 @@ struct Arguments {
     std::uint64_t count = 1000;
     std::uint64_t seed = 1;
     std::optional<fs::path> keep;
+    bool isMeaning = false;
     std::vector<fs::path> files;
 };
 
@@ -40,6 +42,8 @@ Arguments parse(int argc, char** argv) {
             result.count = std::strtoull(argv[++i], nullptr, 10);
         else if (word == "--seed" && hasValue)
             result.seed = std::strtoull(argv[++i], nullptr, 10);
+        else if (word == "--meaning")
+            result.isMeaning = true;
         else if (word == "--keep" && hasValue)
             result.keep = argv[++i];
         else
@@ -64,7 +68,8 @@ int run(const Arguments& arguments, const std::string& looker) {
         const fs::path& source = arguments.files[number % arguments.files.size()];
         const std::string extension = source.extension().string();
         const fs::path file = folder.path() / ("damaged" + extension);
-        writeFile(file, damaged(readFile(source), damageSeed(arguments, number)));
+        const auto damage = arguments.isMeaning ? damagedMeaning : damaged;
+        writeFile(file, damage(readFile(source), damageSeed(arguments, number)));
         const LookOutcome outcome = lookAt(looker, file, folder.path() / "messages");
         ++counts[extension][outcome.text()];
         if (outcome.isSafe())
@@ -96,7 +101,9 @@ int main(int argc, char** argv) {
     const orbisk::test::Arguments arguments = orbisk::test::parse(argc, argv);
     if (arguments.files.empty()) {
         std::fprintf(
-            stderr, "usage: orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] FILE...\n");
+            stderr,
+            "usage: orbisk_damage_models [--count N] [--seed S] [--keep FOLDER] [--meaning] "
+            "FILE...\n");
         return EXIT_FAILURE;
     }
     const std::filesystem::path self = std::filesystem::canonical("/proc/self/exe");

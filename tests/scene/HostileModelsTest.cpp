@@ -54,11 +54,13 @@ TEST(DamageTest, IsTheSameForTheSameSeed) {
     for (std::uint64_t seed = 0; seed < 50; ++seed) {
         EXPECT_EQ(damaged(bytes, seed), damaged(bytes, seed));
         EXPECT_EQ(damagedOften(bytes, seed), damagedOften(bytes, seed));
+        EXPECT_EQ(damagedMeaning(bytes, seed), damagedMeaning(bytes, seed));
         different.insert(damaged(bytes, seed));
         different.insert(damagedOften(bytes, seed));
     }
     EXPECT_GT(different.size(), 70u);
     EXPECT_EQ(damaged("", 1), "");
+    EXPECT_EQ(damagedMeaning("", 1), "");
     EXPECT_EQ(damagedOften("", 1), "");
 }
 
