@@ -4,11 +4,11 @@
 
 namespace orbisk {
 
-std::size_t usableBytes(const void* block) {
+std::size_t usableBytes(void* block) {
 #ifdef _WIN32
-    return _msize(const_cast<void*>(block));
+    return _msize(block);
 #else
-    return malloc_usable_size(const_cast<void*>(block));
+    return malloc_usable_size(block);
 #endif
 }
 

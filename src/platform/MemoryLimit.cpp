@@ -79,12 +79,11 @@ void* takeOrThrow(std::size_t size) {
 } // namespace
 
 bool MemoryLimit::isActive() {
-    bool isRefused = false;
     const MemoryLimit none(0);
     const std::size_t allowed = budget.allowed;
     budget.allowed = 0;
     void* block = ::operator new(limitedBlock, std::nothrow);
-    isRefused = !block;
+    const bool isRefused = !block;
     budget.allowed = allowed;
     ::operator delete(block);
     return isRefused;

@@ -206,7 +206,7 @@ bool isWholeLayer(osgTerrain::Layer& layer) {
     constexpr unsigned int fewest = 2;
     if (layer.getNumColumns() < fewest || layer.getNumRows() < fewest)
         return false;
-    const osg::Image* image = layer.getImage();
+    osg::Image* image = layer.getImage();
     return !image || isWhole(*image);
 }
 

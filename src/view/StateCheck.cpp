@@ -62,7 +62,7 @@ bool hasItsElements(const osg::Uniform& uniform) {
 
 void checkTexture(osg::Texture& texture) {
     for (unsigned int i = 0; i < texture.getNumImages(); ++i)
-        if (const osg::Image* image = texture.getImage(i))
+        if (osg::Image* image = texture.getImage(i))
             if (!isWhole(*image)) {
                 OSG_WARN << "Left out an image that is larger than its data." << std::endl;
                 texture.setImage(i, nullptr);
@@ -71,7 +71,7 @@ void checkTexture(osg::Texture& texture) {
 
 } // namespace
 
-bool isWhole(const osg::Image& image) {
+bool isWhole(osg::Image& image) {
     if (!image.data())
         return true;
     const unsigned int packing = image.getPacking();

@@ -6,7 +6,7 @@
 namespace orbisk {
 
 /// Whether all that the size, the format and the levels of an image stand for is in its memory.
-bool isWhole(const osg::Image& image);
+bool isWhole(osg::Image& image);
 
 /// Makes state safe to apply: textures lose images that are not whole, uniforms whose array is
 /// shorter than their elements go.
