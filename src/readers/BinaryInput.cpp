@@ -12,6 +12,12 @@ namespace {
 /// From this version of the format on a block tells its size in eight bytes, before in four.
 constexpr int firstVersionOfLongBlocks = 149;
 
+/// Whether a word can be the class of an object. Images have no block.
+bool mayBeObject(const std::string& word) {
+    return word.compare(0, 3, "osg") == 0 && word.find("::") != std::string::npos &&
+           word.compare(0, 10, "osg::Image") != 0;
+}
+
 } // namespace
 
 BinaryInput::BinaryInput(std::istream& stream, bool isSwapped) : NativeInput(stream) {
@@ -106,6 +112,8 @@ void BinaryInput::takeText(std::string& value) {
 
 void BinaryInput::readString(std::string& value) {
     takeText(value);
+    if (leftOutAny() && mayBeObject(value) && skipReferenceToLeftOut())
+        value = noObject;
     sawWord(value);
 }
 
@@ -136,17 +144,39 @@ void BinaryInput::readMark(osgDB::ObjectMark& mark) {
     }
 }
 
-void BinaryInput::beginBlock() {
-    const std::streamoff begin = _in->tellg();
+/// A block's size counts from where it stands itself.
+std::int64_t BinaryInput::takeBlockSize() {
     const bool isLong =
         getInputStream() && getInputStream()->getFileVersion() >= firstVersionOfLongBlocks;
-    const std::int64_t size = isLong ? take<std::int64_t>() : take<std::int32_t>();
-    // The size counts from where it stands itself.
-    const std::uint64_t most =
-        remainingBytes() + (isLong ? sizeof(std::int64_t) : sizeof(std::int32_t));
+    return isLong ? take<std::int64_t>() : take<std::int32_t>();
+}
+
+void BinaryInput::beginBlock() {
+    const std::streamoff begin = _in->tellg();
+    const std::int64_t size = takeBlockSize();
+    const std::int64_t sizeOfSize = static_cast<std::streamoff>(_in->tellg()) - begin;
+    const std::uint64_t most = remainingBytes() + static_cast<std::uint64_t>(sizeOfSize);
     if (size < 0 || static_cast<std::uint64_t>(size) > most)
         fail("a block is larger than its file");
     m_blockEnds.push_back(begin + size);
+}
+
+/// An object stands whole where it is named first, and as its identity alone from then on. Where
+/// the first place is inside an object that was left out, the library would take what comes behind
+/// the identity for the object.
+/// @return whether such an identity came next; it is behind then.
+bool BinaryInput::skipReferenceToLeftOut() {
+    const std::streamoff begin = _in->tellg();
+    constexpr std::uint64_t longest = sizeof(std::int64_t) + sizeof(std::int32_t);
+    if (!_supportBinaryBrackets || remainingBytes() < longest)
+        return false;
+    const std::int64_t size = takeBlockSize();
+    const auto id = take<std::int32_t>();
+    const std::int64_t sizeOfIdentity = static_cast<std::streamoff>(_in->tellg()) - begin;
+    if (size == sizeOfIdentity && !hasBegun(id))
+        return true;
+    _in->seekg(begin);
+    return false;
 }
 
 void BinaryInput::readCharArray(char* bytes, unsigned int size) {

@@ -40,7 +40,9 @@ private:
     template <typename Value>
     Value take();
     void takeText(std::string& value);
+    std::int64_t takeBlockSize();
     void beginBlock();
+    bool skipReferenceToLeftOut();
 
     std::vector<std::streamoff> m_blockEnds; ///< of the blocks that are open
 };

@@ -20,9 +20,6 @@ namespace {
 /// Below this a wrong count does no harm, and asking how much is left would only take time.
 constexpr std::int64_t countsWorthChecking = 4096;
 
-/// What stands in place of an object's class where there is none.
-constexpr const char* noObject = "NULL";
-
 /// Where the numbers of an image stand in their order.
 enum ImageNumber : std::size_t {
     Decision = 1,
@@ -115,6 +112,7 @@ void NativeInput::sawWord(std::string& word) {
             if (isBinary() && !_supportBinaryBrackets)
                 fail("a class that is not shown");
             word = className;
+            m_leftOutAny = true;
         }
     }
     sawText(word);

@@ -49,6 +49,15 @@ protected:
     /// Throws where not even a byte is left for each of `count`.
     void expectElements(std::uint64_t count) const;
 
+    /// Whether the file has objects that were left out, whatever is inside them included.
+    bool leftOutAny() const { return m_leftOutAny; }
+
+    /// Whether an object of this identity was begun.
+    bool hasBegun(std::int64_t id) const { return m_objects.count(id) != 0; }
+
+    /// What stands in place of an object's class where there is none.
+    static constexpr const char* noObject = "NULL";
+
     // One call for every word, in the order of the file.
     void sawNumber(std::int64_t number);
     void sawText(const std::string& text);
@@ -100,6 +109,7 @@ private:
     bool m_isElement = false;  ///< the last text stands where a list has an element
     bool m_beganList = false;  ///< the last bracket stands behind a number
     bool m_isModeNext = false; ///< of a primitive set, whose type was the last property
+    bool m_leftOutAny = false;
     std::size_t m_depth = 0;
     std::vector<OpenObject> m_open;
     std::map<std::int64_t, Kind> m_objects;

@@ -5,6 +5,7 @@
 #include "support/SceneTools.h"
 #include "support/TemporaryFolder.h"
 #include "view/ModelReader.h"
+#include "writers/ModelContents.h"
 
 #include <gtest/gtest.h>
 #include <osg/MatrixTransform>
@@ -197,6 +198,24 @@ TEST_F(NativeReaderTest, NodeInsideItselfIsDamage) {
     EXPECT_FALSE(
         isDamaged("model.osgt", inText("osg::Group {\n UniqueID 1\n Children 2 {\n osg::Group {\n "
                                        "UniqueID 2\n }\n osg::Group {\n UniqueID 2\n }\n }\n}\n")));
+}
+
+TEST_F(NativeReaderTest, PartsOfWhatIsNotShownMayBeReferredToLater) {
+    writeFile("particles.osgt",
+              inText("osg::Group {\n UniqueID 1\n Children 2 {\n"
+                     "osgParticle::ParticleSystemUpdater {\n UniqueID 2\n ParticleSystems 1 {\n"
+                     "osgParticle::ParticleSystem {\n UniqueID 3\n }\n }\n }\n"
+                     "osg::Geode {\n UniqueID 4\n Drawables 1 {\n"
+                     "osgParticle::ParticleSystem {\n UniqueID 3\n }\n }\n }\n }\n}\n"));
+    const osg::ref_ptr<osg::Node> particles = osgDB::readRefNodeFile("particles.osgt");
+    ASSERT_TRUE(particles);
+    ASSERT_TRUE(particles->asGroup()->addChild(makeQuadGeode()));
+    for (const char* name : {"shared.osgb", "shared.osgt"}) {
+        ASSERT_TRUE(osgDB::writeNodeFile(*particles, name));
+        const osg::ref_ptr<osg::Node> model = m_reader->readNode(name, nullptr).getNode();
+        ASSERT_TRUE(model) << name;
+        EXPECT_EQ(contentsOf(*model).triangles, 2u) << name;
+    }
 }
 
 TEST_F(NativeReaderTest, DeepNestingIsDamage) {
