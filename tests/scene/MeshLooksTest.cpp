@@ -39,8 +39,7 @@ std::string repeated(const std::string& text, int count) {
     return all;
 }
 
-const std::string acHead = "AC3Db\nMATERIAL \"\" rgb 1 1 1 amb 0 0 0 emis 0 0 0 spec 0 0 0 shi 0 "
-                           "trans 0\n";
+const std::string acHead = "AC3Db\n";
 
 std::string acTriangle(const std::string& vertices = "3", const std::string& surfaces = "1",
                        const std::string& corners = "3") {
