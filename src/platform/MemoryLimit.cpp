@@ -47,6 +47,10 @@ MemoryLimit::~MemoryLimit() {
     --budget.depth;
 }
 
+bool MemoryLimit::isSupported() {
+    return ORBISK_LIMITS_MEMORY != 0;
+}
+
 #if ORBISK_LIMITS_MEMORY
 
 namespace {

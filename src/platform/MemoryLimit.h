@@ -12,7 +12,7 @@ namespace orbisk {
 /// One inside another adds to what is allowed. Threads have nothing to do with each other; what one
 /// takes and another gives back counts as held. Blocks that libraries take without `new` are not
 /// counted. Where `new` belongs to each library of its own (Windows), or to a sanitizer, nothing is
-/// limited (`isActive`).
+/// limited (`isSupported`).
 class MemoryLimit {
 public:
     static constexpr std::size_t limitedBlock = std::size_t(1) << 20;
@@ -23,6 +23,10 @@ public:
     MemoryLimit(const MemoryLimit&) = delete;
     MemoryLimit& operator=(const MemoryLimit&) = delete;
 
+    /// Whether this build of the program limits memory.
+    static bool isSupported();
+
+    /// Whether a `new` in this program fails beyond a limit.
     static bool isActive();
 };
 

@@ -19,6 +19,8 @@
 #include <osgDB/WriteFile>
 #include <osgSim/LightPointNode>
 #include <osgSim/MultiSwitch>
+#include <osgTerrain/Layer>
+#include <osgTerrain/TerrainTile>
 #include <osgText/Text>
 
 #include <functional>
@@ -342,6 +344,12 @@ Hostile lightPointsThatBlinkWithoutPulses() {
     return lightPoints(10.0f, new osgSim::BlinkSequence);
 }
 
+Hostile terrainLayerOfAbsurdNumber() {
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    tile->setColorLayer(0, new osgTerrain::ImageLayer(makeImage({1, 2, 3, 4})));
+    return {tile, {{"Layer 0", "Layer 4294967295"}}};
+}
+
 constexpr Case cases[] = {
     {"BillboardWithMorePositions", billboardWithMorePositions},
     {"BillboardWithFewerPositions", billboardWithFewerPositions},
@@ -368,6 +376,7 @@ constexpr Case cases[] = {
     {"AnimationWithoutKeys", animationWithoutKeys, "refused"},
     {"UniformOfAbsurdSize", uniformOfAbsurdSize, "refused"},
     {"UniformOfOverflowingSize", uniformOfOverflowingSize, "refused"},
+    {"TerrainLayerOfAbsurdNumber", terrainLayerOfAbsurdNumber, "refused"},
     {"TextOfAbsurdResolution", textOfAbsurdResolution},
     {"TextOfNoSize", textOfNoSize},
     {"LightPointsOfAbsurdSize", lightPointsOfAbsurdSize},
