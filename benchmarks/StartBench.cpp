@@ -8,7 +8,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -17,21 +16,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
-constexpr int repetitions = 11;
-constexpr auto pause = std::chrono::milliseconds(1);
+constexpr int repetitions = 21;
+/// In which server and window manager put away what the last one left.
+constexpr auto rest = std::chrono::milliseconds(200);
 constexpr auto longestWait = std::chrono::seconds(60);
 const orbisk::bench::Subject subject{
-    "process start to shown frame", "ms", orbisk::bench::Choice::Lowest,
+    "process start to shown frame", "ms", orbisk::bench::Choice::Median,
     orbisk::bench::Wanted{orbisk::bench::Wanted::Bound::AtMost, 2.0}};
-
-void waitFor(const orbisk::bench::ShownWindow& window, const std::string& title, bool shown) {
-    const auto limit = Clock::now() + longestWait;
-    while (window.exists(title) != shown) {
-        if (Clock::now() > limit)
-            throw std::runtime_error("waited in vain for the window " + title);
-        std::this_thread::sleep_for(pause);
-    }
-}
 
 /// Milliseconds until the window of this title is on the screen; it is gone again afterwards.
 double timeToFrame(const orbisk::bench::ShownWindow& window, const fs::path& program,
@@ -40,10 +31,11 @@ double timeToFrame(const orbisk::bench::ShownWindow& window, const fs::path& pro
     {
         const auto begin = Clock::now();
         const orbisk::bench::ChildProcess child({program.string()}, folder);
-        waitFor(window, title, true);
+        window.waitUntilShown(title, longestWait);
         time = Clock::now() - begin;
     }
-    waitFor(window, title, false);
+    window.waitUntilGone(title, longestWait);
+    std::this_thread::sleep_for(rest);
     return time.count();
 }
 

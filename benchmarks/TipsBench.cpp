@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -24,7 +23,6 @@ using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
 constexpr int repetitions = 31;
-constexpr auto pause = std::chrono::milliseconds(1);
 constexpr auto longestWait = std::chrono::seconds(60);
 constexpr const char* title = "Kelvane";
 /// Nobody listens at the first port of this machine.
@@ -61,15 +59,6 @@ private:
     sockaddr_in m_address{};
 };
 
-void waitForFrame(const orbisk::bench::ShownWindow& window) {
-    const auto limit = Clock::now() + longestWait;
-    while (!window.exists(title)) {
-        if (Clock::now() > limit)
-            throw std::runtime_error("waited in vain for the frame");
-        std::this_thread::sleep_for(pause);
-    }
-}
-
 struct Run {
     double toFrame = 0; ///< milliseconds
     double toEnd = 0;
@@ -83,7 +72,7 @@ Run runOnce(const orbisk::bench::ShownWindow& window, unsigned short port, const
     const fs::path program = fs::path(ORBISK_BENCH_HELPERS_DIR) / "ProgramWithTips";
     const auto begin = Clock::now();
     orbisk::bench::ChildProcess child({program.string(), std::to_string(port)}, folder);
-    waitForFrame(window);
+    window.waitUntilShown(title, longestWait);
     Run run;
     run.toFrame = millisecondsSince(begin);
     window.close(title);

@@ -1,7 +1,10 @@
 #include "support/ShownWindow.h"
 
+#include <poll.h>
+
 #include <memory>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include <X11/Xlib.h>
@@ -12,6 +15,10 @@ namespace {
 
 /// A frame's window is a child of the screen's, or a grandchild where a window manager framed it.
 constexpr int deepestFrame = 2;
+/// Milliseconds between looks at what goes on inside a window manager's frame, which the server
+/// doesn't tell, and between looks at everything.
+constexpr int lookAgain = 1;
+constexpr int lookAtLeast = 50;
 
 struct Freeing {
     void operator()(void* memory) const { XFree(memory); }
@@ -60,12 +67,28 @@ Window findBelow(Display* display, Window window, const std::string& title, int 
     return None;
 }
 
+class Patience {
+public:
+    Patience(std::string title, std::chrono::milliseconds limit)
+        : m_title(std::move(title)), m_end(std::chrono::steady_clock::now() + limit) {}
+
+    void check() const {
+        if (std::chrono::steady_clock::now() > m_end)
+            throw std::runtime_error("waited in vain for the window " + m_title);
+    }
+
+private:
+    std::string m_title;
+    std::chrono::steady_clock::time_point m_end;
+};
+
 } // namespace
 
 ShownWindow::ShownWindow() : m_display(XOpenDisplay(nullptr)) {
     if (!m_display)
         throw std::runtime_error("no display");
     XSetErrorHandler(ignoreError);
+    XSelectInput(m_display, DefaultRootWindow(m_display), SubstructureNotifyMask);
 }
 
 ShownWindow::~ShownWindow() {
@@ -74,6 +97,32 @@ ShownWindow::~ShownWindow() {
 
 bool ShownWindow::exists(const std::string& title) const {
     return findBelow(m_display, DefaultRootWindow(m_display), title, 1) != None;
+}
+
+void ShownWindow::waitUntilShown(const std::string& title, std::chrono::milliseconds limit) const {
+    XSync(m_display, True);
+    const Patience patience(title, limit);
+    Window frame = None;
+    while (frame == None || findBelow(m_display, frame, title, deepestFrame) == None) {
+        patience.check();
+        pollfd connection{ConnectionNumber(m_display), POLLIN, 0};
+        if (XPending(m_display) == 0)
+            poll(&connection, 1, frame == None ? lookAtLeast : lookAgain);
+        XEvent event{};
+        while (XPending(m_display) > 0) {
+            XNextEvent(m_display, &event);
+            if (event.type == MapNotify)
+                frame = event.xmap.window;
+        }
+    }
+}
+
+void ShownWindow::waitUntilGone(const std::string& title, std::chrono::milliseconds limit) const {
+    const Patience patience(title, limit);
+    while (exists(title)) {
+        patience.check();
+        poll(nullptr, 0, lookAtLeast);
+    }
 }
 
 void ShownWindow::close(const std::string& title) const {

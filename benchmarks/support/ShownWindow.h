@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 
 struct _XDisplay;
@@ -18,6 +19,14 @@ public:
 
     /// Whether a window of this title is on the screen.
     bool exists(const std::string& title) const;
+
+    /// Waits until a window of this title, which was not there before, is on the screen in a window
+    /// manager's frame. The server tells when windows come: asking again and again would take the
+    /// processor from who is waited for. Throws when it takes longer than `limit`.
+    void waitUntilShown(const std::string& title, std::chrono::milliseconds limit) const;
+
+    /// Waits until no window of this title is on the screen. Throws as well.
+    void waitUntilGone(const std::string& title, std::chrono::milliseconds limit) const;
 
     /// Asks the window of this title to close, as its close button does; without one nothing
     /// happens.
