@@ -1,6 +1,5 @@
 #include "app/OrbiskApp.h"
 
-#include "app/Language.h"
 #include "app/OrbiskMain.h"
 #include "app/SettingsText.h"
 #include "online/TipsThread.h"
@@ -52,7 +51,7 @@ void OrbiskApp::openAtStart(const wxString& path) {
 
 bool OrbiskApp::OnInit() {
     loadSettingsOrEnd();
-    setUpLocale();
+    setUpLocale(ToolkitTexts::LeftOut);
     wxSocketBase::Initialize();
     wxInitAllImageHandlers();
     auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
@@ -77,8 +76,8 @@ wxAppTraits* OrbiskApp::CreateTraits() {
     return platform::makeAppTraits();
 }
 
-void OrbiskApp::setUpLocale() {
-    orbisk::setUpLocale(appSettings().language, m_locale);
+void OrbiskApp::setUpLocale(ToolkitTexts toolkitTexts) {
+    orbisk::setUpLocale(appSettings().language, m_locale, toolkitTexts);
 }
 
 } // namespace orbisk

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Language.h"
+
 #include <wx/app.h>
 #include <wx/intl.h>
 
@@ -14,8 +16,9 @@ public:
 
     int OnExit() override;
 
-    /// Installs the texts of the settings' language.
-    void setUpLocale();
+    /// Installs the texts of the settings' language. Without those of the toolkit the window is
+    /// there sooner, which needs none of them.
+    void setUpLocale(ToolkitTexts toolkitTexts = ToolkitTexts::Included);
 
     /// A model to open once the frame was seen, as if chosen from the menu. Before `OnInit`.
     static void openAtStart(const wxString& path);

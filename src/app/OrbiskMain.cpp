@@ -303,7 +303,8 @@ void OrbiskFrame::openOnceSeen(const wxString& path) {
 }
 
 void OrbiskFrame::wasSeen() {
-    m_seen = true;
+    if (!std::exchange(m_seen, true))
+        wxGetApp().setUpLocale();
     if (const wxString path = std::exchange(m_pathAtStart, wxString()); !path.empty())
         openFile(path);
     showWaitingTip();

@@ -1,7 +1,10 @@
+#include "app/Program.h"
+
 #include "app/CommandLine.h"
 #include "app/OrbiskApp.h"
 #include "app/SettingsText.h"
 #include "platform/Platform.h"
+#include "platform/Process.h"
 #include "settings/AppSettings.h"
 #include "settings/SettingsFile.h"
 #include "view/Screenshot.h"
@@ -12,6 +15,8 @@
 #include <cstdlib>
 #include <string>
 #include <vector>
+
+namespace orbisk {
 
 namespace {
 
@@ -26,35 +31,36 @@ void limitLibraryMessages(osg::NotifySeverity level) {
         osg::setNotifyLevel(level);
 }
 
-int takePicture(const orbisk::CommandLine& commandLine) {
+int takePicture(const CommandLine& commandLine) {
     // What failed is said once, by this program.
     limitLibraryMessages(osg::FATAL);
-    orbisk::AppSettings& settings = orbisk::appSettings();
-    if (const auto error = orbisk::loadSettings(settings, {}, orbisk::settingsPathEncoding()))
-        return fail(std::string(orbisk::settingsFileName) + ": " + error->message);
-    if (!orbisk::platform::hasDisplay())
+    AppSettings& settings = appSettings();
+    if (const auto error = loadSettings(settings, {}, settingsPathEncoding()))
+        return fail(std::string(settingsFileName) + ": " + error->message);
+    if (!platform::hasDisplay())
         return fail("there is no display to draw with");
-    const auto error =
-        orbisk::takeScreenshot(*commandLine.screenshot, *commandLine.model, settings);
+    const auto error = takeScreenshot(*commandLine.screenshot, *commandLine.model, settings);
     return error ? fail(*error) : EXIT_SUCCESS;
 }
 
 } // namespace
 
-int main(int argc, char** argv) {
-    orbisk::platform::prepareProcess();
-    const orbisk::CommandLine commandLine =
-        orbisk::parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
+int runProgram(int argc, char** argv) {
+    platform::prepareProcess();
+    const CommandLine commandLine =
+        parseCommandLine(std::vector<std::string>(argv + 1, argv + argc));
     if (commandLine.error)
         return fail(*commandLine.error);
     if (commandLine.help)
-        return std::fputs(orbisk::commandLineHelp().c_str(), stdout) < 0;
+        return std::fputs(commandLineHelp().c_str(), stdout) < 0;
     if (commandLine.version)
-        return std::fputs(orbisk::versionLine().c_str(), stdout) < 0;
+        return std::fputs(versionLine().c_str(), stdout) < 0;
     if (commandLine.screenshot)
         return takePicture(commandLine);
     if (commandLine.model)
-        orbisk::OrbiskApp::openAtStart(orbisk::platform::pathText(*commandLine.model));
+        OrbiskApp::openAtStart(platform::pathText(*commandLine.model));
     limitLibraryMessages(osg::WARN);
     return wxEntry(argc, argv);
 }
+
+} // namespace orbisk

@@ -18,9 +18,6 @@ class wxNotebook;
 /// program runs on.
 namespace orbisk::platform {
 
-/// Prepares the process before the toolkit and any graphics library start.
-void prepareProcess();
-
 /// What the toolkit's application asks of the system; the caller's. Under it sockets are used by
 /// threads of their own only: no event loop watches them.
 wxAppTraits* makeAppTraits();
@@ -41,10 +38,6 @@ void openHelp(int language);
 
 /// Closes what `openHelp` left open, before the program ends.
 void closeHelp();
-
-/// Fixes the encoding of file names and texts after the C library's locale was set: numbers keep
-/// the dot, and where the system leaves only ASCII for file names, UTF-8 takes its place.
-void settleLocale();
 
 /// `path` in the local multibyte encoding, for libraries that take narrow file names; empty when
 /// it cannot be converted.

@@ -36,8 +36,8 @@ TEST(IncludeDirectionsTest, ProgramHasItsTargetsInOrder) {
     Lines names;
     for (const SourceTarget& target : programTargets())
         names.push_back(target.name);
-    EXPECT_EQ(names,
-              (Lines{"orbisk_core", "orbisk_scene", "orbisk_ui", "orbisk_webview", "orbisk"}));
+    EXPECT_EQ(names, (Lines{"orbisk_core", "orbisk_scene", "orbisk_ui", "orbisk_webview", "orbisk",
+                            "orbisk_program"}));
 }
 
 TEST(IncludeDirectionsTest, ProgramKeepsThem) {

@@ -69,6 +69,14 @@ TEST_F(LanguageTest, ChineseTextsComeFromTheCatalog) {
     EXPECT_TRUE(log.messages().empty());
 }
 
+TEST_F(LanguageTest, ToolkitsOwnTextsFollowTheFirstSightOfTheFrame) {
+    startIn(languageChinese);
+    ASSERT_TRUE(runUntil([] { return frame()->canvas(); }));
+    EXPECT_EQ(wxGetTranslation("Undo").utf8_string(), "撤销");
+    // Where both have a text, the program's counts.
+    EXPECT_EQ(wxGetTranslation("Gray").utf8_string(), "灰度");
+}
+
 TEST_F(LanguageTest, EnglishShowsTheSourceTexts) {
     LogCapture log;
     startIn(languageEnglish);

@@ -1,9 +1,13 @@
+#include "platform/MemoryLimit.h"
 #include "support/ChildProcess.h"
 #include "support/GuiTest.h"
 #include "support/Screen.h"
 #include "support/TestModels.h"
 
 #include <algorithm>
+#include <regex>
+#include <set>
+#include <sstream>
 
 namespace orbisk::test {
 
@@ -23,6 +27,38 @@ protected:
         });
     }
 };
+
+TEST_F(ProgramTest, NamesTheLibraryThatIsMissing) {
+    std::filesystem::copy_file(program().front(), "orbisk");
+    ChildProcess child({std::filesystem::absolute("orbisk").string()});
+    EXPECT_EQ(child.wait(), 1);
+    const std::string errors = child.errorOutput();
+    EXPECT_EQ(errors.rfind("orbisk: ", 0), 0u) << errors;
+    EXPECT_NE(errors.find("orbisk_program.so"), std::string::npos) << errors;
+    EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+}
+
+TEST_F(ProgramTest, CountsTheMemoryOfAllItsLibraries) {
+    if (!MemoryLimit::isSupported())
+        GTEST_SKIP() << "this build limits no memory";
+    // What the dynamic linker says of each name that it has found.
+    ChildProcess child(program({"--version"}), {{"LD_DEBUG", "bindings"}, {"LD_BIND_NOW", "1"}});
+    EXPECT_EQ(child.wait(), 0);
+    std::istringstream lines(child.errorOutput());
+    const std::regex binding(
+        R"(binding file \S*/(libosgDB|orbisk_program)\.so\S* \[0\] to (\S+) \[0\]: )"
+        R"(normal symbol `(_Znwm|_ZN6orbisk11MemoryLimitC[12]Em)'.*)");
+    std::set<std::string> counted;
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        if (!std::regex_search(line, match, binding))
+            continue;
+        EXPECT_EQ(match[2].str(), program().front()) << line;
+        counted.insert(match[1].str() + " " + match[3].str().substr(0, 5));
+    }
+    EXPECT_EQ(counted, (std::set<std::string>{"libosgDB _Znwm", "orbisk_program _ZN6o",
+                                              "orbisk_program _Znwm"}));
+}
 
 TEST_F(ProgramTest, EndsOnASettingsFileThatIsNotJson) {
     const std::string text = "{\n  \"project\": {,\n}";
@@ -69,6 +105,8 @@ TEST_F(ProgramTest, WindowManagersCloseEndsItAndSavesTheSettings) {
     }));
     EXPECT_EQ(child.wait(), 0) << child.errorOutput();
     EXPECT_NE(readFile("datafile.json").find("\"sex_is_male\" : true"), std::string::npos);
+    // The toolkit was started by the executable and by the program.
+    EXPECT_EQ(child.errorOutput().find("WARNING"), std::string::npos) << child.errorOutput();
 }
 
 TEST_F(ProgramTest, OpensTheModelOfItsCommandLine) {

@@ -4,6 +4,7 @@
 #include "app/OrbiskApp.h"
 #include "online/OnlineAddresses.h"
 #include "platform/Platform.h"
+#include "platform/Process.h"
 
 #include <string>
 

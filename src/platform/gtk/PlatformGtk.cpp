@@ -3,7 +3,6 @@
 #include "platform/RunTimePath.h"
 #include "settings/AppSettings.h"
 
-#include <langinfo.h>
 #include <wx/apptrait.h>
 #include <wx/cmdline.h>
 #include <wx/filefn.h>
@@ -14,9 +13,7 @@
 #include <wx/notebook.h>
 #include <wx/strconv.h>
 
-#include <clocale>
 #include <cstdlib>
-#include <cstring>
 
 #include <GL/glx.h>
 #include <X11/Xlib.h>
@@ -64,21 +61,7 @@ public:
     wxFDIOManager* GetFDIOManager() override { return wxAppTraits::GetFDIOManager(); }
 };
 
-bool onlyAsciiFileNames() {
-    return std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0;
-}
-
 } // namespace
-
-void prepareProcess() {
-    // The packaged GL canvas needs GLX, so a Wayland session shows the program through X11, unless
-    // the user asked for something else.
-    setenv("GDK_BACKEND", "x11", 0);
-    // The viewer's draw thread and the toolkit share the connection to the X server.
-    XInitThreads();
-    std::setlocale(LC_ALL, "");
-    settleLocale();
-}
 
 wxAppTraits* makeAppTraits() {
     return new AppTraits;
@@ -131,12 +114,6 @@ void closeHelp() {
     for (const int language : {languageChinese, languageEnglish})
         if (wxHtmlHelpController* viewer = helpViewer(language); viewer && viewer->GetFrame())
             viewer->Quit();
-}
-
-void settleLocale() {
-    std::setlocale(LC_NUMERIC, "C");
-    if (onlyAsciiFileNames())
-        std::setlocale(LC_CTYPE, "C.UTF-8");
 }
 
 std::string localPath(const wxString& path) {

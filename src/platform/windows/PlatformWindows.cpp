@@ -1,7 +1,6 @@
 #include "platform/Platform.h"
 
 #include <direct.h>
-#include <io.h>
 #include <wx/apptrait.h>
 #include <wx/bitmap.h>
 #include <wx/cmdline.h>
@@ -11,9 +10,6 @@
 #include <wx/utils.h>
 #include <wx/vector.h>
 
-#include <algorithm>
-#include <clocale>
-#include <cstdio>
 #include <cstdlib>
 
 namespace orbisk::platform {
@@ -30,29 +26,7 @@ wxIcon iconOfSide(const std::string& name, int side) {
     return wxIcon(wxString::FromUTF8(name).Upper(), wxBITMAP_TYPE_ICO_RESOURCE, side, side);
 }
 
-bool goesNowhere(std::FILE* stream) {
-    return _get_osfhandle(_fileno(stream)) < 0;
-}
-
-/// A windowed program has no console. One that is called from a console with options was asked for
-/// a text or a picture, not for a window: it answers there, unless its output was redirected.
-void answerInConsole() {
-    const auto isOption = [](const char* argument) { return argument[0] == '-'; };
-    if (std::none_of(__argv + 1, __argv + __argc, isOption) ||
-        !AttachConsole(ATTACH_PARENT_PROCESS))
-        return;
-    for (std::FILE* stream : {stdout, stderr})
-        if (goesNowhere(stream))
-            std::freopen("CONOUT$", "w", stream);
-}
-
 } // namespace
-
-void prepareProcess() {
-    answerInConsole();
-    std::setlocale(LC_ALL, "");
-    settleLocale();
-}
 
 wxAppTraits* makeAppTraits() {
     return new wxGUIAppTraits;
@@ -91,13 +65,6 @@ void openHelp(int) {
 
 void closeHelp() {
     // The system's viewer is a program of its own, which the user closes.
-}
-
-void settleLocale() {
-    std::setlocale(LC_NUMERIC, "C");
-    // The system takes narrow file names in its own code page, while the interface's language has
-    // just brought another one.
-    std::setlocale(LC_CTYPE, ("." + std::to_string(GetACP())).c_str());
 }
 
 std::string localPath(const wxString& path) {

@@ -1,0 +1,13 @@
+#pragma once
+
+namespace orbisk::platform {
+
+/// Prepares the process before the toolkit and any graphics library start. A second call changes
+/// nothing more.
+void prepareProcess();
+
+/// Fixes the encoding of file names and texts after the C library's locale was set: numbers keep
+/// the dot, and where the system leaves only ASCII for file names, UTF-8 takes its place.
+void settleLocale();
+
+} // namespace orbisk::platform
