@@ -21,8 +21,8 @@ void WebTipPage::show(const wxString& html) {
 } // namespace orbisk
 
 /// What the program looks up in this library; a `TipPageMaker`.
-extern "C" orbisk::TipPage* orbiskMakeWebTipPage(wxWindow* parent, wxWindowID id,
-                                                 orbisk::LinkFollower follow) {
+extern "C" WXEXPORT orbisk::TipPage* orbiskMakeWebTipPage(wxWindow* parent, wxWindowID id,
+                                                          orbisk::LinkFollower follow) {
     wxWebView* view = wxWebView::New(parent, id);
     if (!view)
         return nullptr;
