@@ -1,5 +1,6 @@
 #include "app/OrbiskApp.h"
 
+#include "app/Language.h"
 #include "app/OrbiskMain.h"
 #include "app/SettingsText.h"
 #include "online/TipsThread.h"
@@ -51,7 +52,7 @@ void OrbiskApp::openAtStart(const wxString& path) {
 
 bool OrbiskApp::OnInit() {
     loadSettingsOrEnd();
-    setUpLocale(ToolkitTexts::LeftOut);
+    setUpLocale();
     wxSocketBase::Initialize();
     wxInitAllImageHandlers();
     auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
@@ -76,8 +77,8 @@ wxAppTraits* OrbiskApp::CreateTraits() {
     return platform::makeAppTraits();
 }
 
-void OrbiskApp::setUpLocale(ToolkitTexts toolkitTexts) {
-    orbisk::setUpLocale(appSettings().language, m_locale, toolkitTexts);
+void OrbiskApp::setUpLocale() {
+    orbisk::setUpLocale(appSettings().language, m_locale);
 }
 
 } // namespace orbisk

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "app/Language.h"
-
 #include <wx/app.h>
 #include <wx/intl.h>
 
@@ -16,9 +14,8 @@ public:
 
     int OnExit() override;
 
-    /// Installs the texts of the settings' language. Without those of the toolkit the window is
-    /// there sooner, which needs none of them.
-    void setUpLocale(ToolkitTexts toolkitTexts = ToolkitTexts::Included);
+    /// Installs the program's texts of the settings' language.
+    void setUpLocale();
 
     /// A model to open once the frame was seen, as if chosen from the menu. Before `OnInit`.
     static void openAtStart(const wxString& path);

@@ -4,6 +4,7 @@
 #include "app/FramePlacement.h"
 #include "app/IconStatusBar.h"
 #include "app/InitPanel.h"
+#include "app/Language.h"
 #include "app/ModelDialogs.h"
 #include "app/NestedLoop.h"
 #include "app/OrbiskApp.h"
@@ -216,6 +217,7 @@ void OrbiskFrame::switchLanguage(int language) {
         return;
     appSettings().language = language;
     wxGetApp().setUpLocale();
+    addToolkitTexts(language);
     rebuildContents();
 }
 
@@ -303,8 +305,9 @@ void OrbiskFrame::openOnceSeen(const wxString& path) {
 }
 
 void OrbiskFrame::wasSeen() {
+    // The frame itself needs none of them, and was there the sooner.
     if (!std::exchange(m_seen, true))
-        wxGetApp().setUpLocale();
+        addToolkitTexts(appSettings().language);
     if (const wxString path = std::exchange(m_pathAtStart, wxString()); !path.empty())
         openFile(path);
     showWaitingTip();

@@ -109,6 +109,23 @@ TEST_F(ProgramTest, WindowManagersCloseEndsItAndSavesTheSettings) {
     EXPECT_EQ(child.errorOutput().find("WARNING"), std::string::npos) << child.errorOutput();
 }
 
+TEST_F(ProgramTest, KeepsTheNamesOfModelsWhereTheSystemKnowsOnlyAscii) {
+    writeSettings(R"({"x":100,"y":80,"w":820,"h":620})", languageEnglish);
+    for (const char* name : {"模型.osgb", "second.osgb"}) {
+        ChildProcess child(program({"--", writeTestModel(name)}), {{"LC_ALL", "C"}});
+        const Screen screen;
+        ASSERT_TRUE(waitForWindow(screen, "Kelvane"));
+        EXPECT_TRUE(
+            runUntil([&] { return screen.colours(wxRect(300, 250, 400, 300)).size() > 20; }));
+        ASSERT_TRUE(runUntil([&] {
+            screen.closeWindow("Kelvane");
+            return !child.isRunning();
+        }));
+        EXPECT_EQ(child.wait(), 0) << child.errorOutput();
+        EXPECT_NE(readFile("datafile.json").find("模型.osgb"), std::string::npos) << name;
+    }
+}
+
 TEST_F(ProgramTest, OpensTheModelOfItsCommandLine) {
     writeSettings(R"({"x":100,"y":80,"w":820,"h":620})", languageEnglish);
     const std::string model = writeTestModel("模型.osgb");

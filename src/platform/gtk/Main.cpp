@@ -14,6 +14,7 @@
 #include <future>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -30,18 +31,24 @@ class Toolkit {
 public:
     /// Looks all functions up at once: while the program is being loaded, nothing can be looked up.
     explicit Toolkit(void* library) {
+        if (!library)
+            return;
         find(library, "gtk_disable_setlocale", m_disableSetlocale);
         find(library, "gtk_init_check", m_initCheck);
         find(library, "gtk_window_new", m_newWindow);
         find(library, "gtk_widget_destroy", m_destroy);
     }
 
+    bool isThere() const { return m_disableSetlocale && m_initCheck && m_newWindow && m_destroy; }
+
+    /// Has it leave the C library's locale as it is. Before its start.
+    void disableSetlocale() const { m_disableSetlocale(); }
+
     /// @return whether it is connected to the display.
     bool start(int argc, char** argv) const {
-        // It takes its own options out of those it is given.
+        // It wants to know the program's name, and may change what it is given.
         std::vector<char*> arguments(argv, argv + argc + 1);
         char** rest = arguments.data();
-        m_disableSetlocale();
         return m_initCheck(&argc, &rest);
     }
 
@@ -58,16 +65,21 @@ private:
         function = reinterpret_cast<Function*>(dlsym(library, name));
     }
 
-    void (*m_disableSetlocale)();
-    int (*m_initCheck)(int* argc, char*** argv);
-    void* (*m_newWindow)(int type);
-    void (*m_destroy)(void* widget);
+    void (*m_disableSetlocale)() = nullptr;
+    int (*m_initCheck)(int* argc, char*** argv) = nullptr;
+    void* (*m_newWindow)(int type) = nullptr;
+    void (*m_destroy)(void* widget) = nullptr;
 };
 
-/// Who gives options wants a text or a picture.
+bool isToolkitStarted = false;
+
+/// Who gives options wants a text or a picture; what follows `--` is none.
 bool wantsWindow(int argc, char** argv) {
-    return std::none_of(argv + 1, argv + argc,
-                        [](const char* argument) { return argument[0] == '-'; });
+    const std::vector<std::string_view> arguments(argv + 1, argv + argc);
+    const auto option = std::find_if(arguments.begin(), arguments.end(), [](std::string_view word) {
+        return word.substr(0, 1) == "-";
+    });
+    return option == arguments.end() || *option == "--";
 }
 
 /// @throws std::runtime_error, and what the file system throws.
@@ -82,11 +94,12 @@ ProgramEntry loadProgram() {
 
 /// Where the toolkit cannot be started, the program will find that out for itself and report it.
 ProgramEntry startToolkitAndLoadProgram(int argc, char** argv) {
-    void* library = dlopen(toolkitName, RTLD_LAZY | RTLD_LOCAL);
-    if (!library)
+    const Toolkit toolkit(dlopen(toolkitName, RTLD_LAZY | RTLD_LOCAL));
+    if (!toolkit.isThere())
         return loadProgram();
-    const Toolkit toolkit(library);
-    if (!toolkit.start(argc, argv))
+    toolkit.disableSetlocale();
+    isToolkitStarted = toolkit.start(argc, argv);
+    if (!isToolkitStarted)
         return loadProgram();
     // Not sooner: the toolkit's start looks at the libraries that are there, and would wait.
     auto program = std::async(std::launch::async, loadProgram);
@@ -96,9 +109,13 @@ ProgramEntry startToolkitAndLoadProgram(int argc, char** argv) {
 
 } // namespace
 
-/// What the toolkit's own start calls by this name: done a second time, it would only earn a
-/// warning.
-extern "C" __attribute__((visibility("default"))) void gtk_disable_setlocale() {}
+/// The program's windows library calls this before it starts the toolkit, which would warn that it
+/// comes too late where the toolkit has been started here.
+extern "C" __attribute__((visibility("default"))) void gtk_disable_setlocale() {
+    const Toolkit toolkit(isToolkitStarted ? nullptr : dlopen(toolkitName, RTLD_LAZY));
+    if (toolkit.isThere())
+        toolkit.disableSetlocale();
+}
 
 int main(int argc, char** argv) {
     orbisk::platform::prepareProcess();
