@@ -24,6 +24,7 @@ std::unique_ptr<wxLocale> makeLocale(int toolkitLanguage) {
 } // namespace
 
 void setUpLocale(int language, std::unique_ptr<wxLocale>& locale) {
+    // Those of `addToolkitTexts`, which belong to no locale.
     wxTranslations::Set(nullptr);
     locale.reset();
     if (language == languageChinese)
