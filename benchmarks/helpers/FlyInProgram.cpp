@@ -8,7 +8,6 @@
 #include "app/OrbiskMain.h"
 #include "helpers/TileFlight.h"
 #include "platform/Platform.h"
-#include "platform/Process.h"
 #include "view/OSGCanvas.h"
 
 #include <wx/app.h>

@@ -4,7 +4,6 @@
 #include "app/OrbiskApp.h"
 #include "app/SettingsText.h"
 #include "platform/Platform.h"
-#include "platform/Process.h"
 #include "settings/AppSettings.h"
 #include "settings/SettingsFile.h"
 #include "view/Screenshot.h"

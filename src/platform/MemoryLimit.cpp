@@ -18,6 +18,14 @@
 #define ORBISK_LIMITS_MEMORY 1
 #endif
 
+// Each `delete` reads the budget, which takes a call where it belongs to a library, unless it
+// stands among those of the executable.
+#if ORBISK_LIMITS_MEMORY
+#define ORBISK_NEAR __attribute__((tls_model("initial-exec")))
+#else
+#define ORBISK_NEAR
+#endif
+
 namespace orbisk {
 
 namespace {
@@ -28,7 +36,7 @@ struct Budget {
     std::size_t held = 0;
 };
 
-thread_local Budget budget;
+thread_local Budget budget ORBISK_NEAR;
 
 std::size_t sum(std::size_t a, std::size_t b) {
     constexpr std::size_t most = std::numeric_limits<std::size_t>::max();
@@ -56,7 +64,7 @@ bool MemoryLimit::isSupported() {
 namespace {
 
 void* take(std::size_t size) noexcept {
-    const bool isCounted = budget.depth > 0 && size >= MemoryLimit::limitedBlock;
+    const bool isCounted = size >= MemoryLimit::limitedBlock && budget.depth > 0;
     if (isCounted && sum(budget.held, size) > budget.allowed)
         return nullptr;
     void* block = std::malloc(size > 0 ? size : 1);

@@ -2,13 +2,6 @@
 
 #include <cstddef>
 
-// A program and its libraries have one limit together: of several copies, the executable's is used.
-#ifdef __ELF__
-#define ORBISK_ONE_FOR_ALL __attribute__((visibility("default")))
-#else
-#define ORBISK_ONE_FOR_ALL
-#endif
-
 namespace orbisk {
 
 /// While one lives, its thread holds no more than a certain number of bytes in large blocks
@@ -20,7 +13,7 @@ namespace orbisk {
 /// takes and another gives back counts as held. Blocks that libraries take without `new` are not
 /// counted. Where `new` belongs to each library of its own (Windows), or to a sanitizer, nothing is
 /// limited (`isSupported`).
-class ORBISK_ONE_FOR_ALL MemoryLimit {
+class MemoryLimit {
 public:
     static constexpr std::size_t limitedBlock = std::size_t(1) << 20;
 

@@ -18,6 +18,10 @@ class wxNotebook;
 /// program runs on.
 namespace orbisk::platform {
 
+/// Prepares the process before the toolkit and any graphics library start. A second call changes
+/// nothing more.
+void prepareProcess();
+
 /// What the toolkit's application asks of the system; the caller's. Under it sockets are used by
 /// threads of their own only: no event loop watches them.
 wxAppTraits* makeAppTraits();

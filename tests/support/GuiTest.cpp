@@ -1,7 +1,7 @@
 #include "support/GuiTest.h"
 
 #include "online/OnlineAddresses.h"
-#include "platform/Process.h"
+#include "platform/Platform.h"
 
 #include <wx/app.h>
 #include <wx/dirdlg.h>

@@ -4,7 +4,6 @@
 #include "app/OrbiskApp.h"
 #include "online/OnlineAddresses.h"
 #include "platform/Platform.h"
-#include "platform/Process.h"
 
 #include <string>
 

@@ -1,55 +1,60 @@
 // The executable on GTK systems. Linking the program's libraries takes about as long as it takes
 // the toolkit to read its theme, so the program is a library, too, and both are done at
-// the same time (docs/decisions/starting.md).
+// the same time (docs/decisions/starting.md). It uses nothing but the C library: whatever it were
+// linked to would be searched first for each name that the program's libraries use.
 
 #include "platform/Process.h"
 
 #include <dlfcn.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
-#include <filesystem>
-#include <future>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <cstring>
 
 namespace {
 
 constexpr const char* toolkitName = "libgtk-3.so.0";
-constexpr const char* programName = "orbisk_program.so";
+constexpr char programName[] = "orbisk_program.so";
 constexpr const char* entryName = "orbiskRunProgram";
 
 using ProgramEntry = int (*)(int, char**);
 
-/// What is wanted of the toolkit. Were the executable linked to it, each name that the program uses
-/// would be looked for in the toolkit's seventy libraries first.
+/// What is wanted of the toolkit.
 class Toolkit {
 public:
     /// Looks all functions up at once: while the program is being loaded, nothing can be looked up.
     explicit Toolkit(void* library) {
         if (!library)
             return;
+        find(library, "XInitThreads", m_shareConnections);
         find(library, "gtk_disable_setlocale", m_disableSetlocale);
         find(library, "gtk_init_check", m_initCheck);
         find(library, "gtk_window_new", m_newWindow);
         find(library, "gtk_widget_destroy", m_destroy);
     }
 
-    bool isThere() const { return m_disableSetlocale && m_initCheck && m_newWindow && m_destroy; }
+    bool isThere() const {
+        return m_shareConnections && m_disableSetlocale && m_initCheck && m_newWindow && m_destroy;
+    }
 
     /// Has it leave the C library's locale as it is. Before its start.
     void disableSetlocale() const { m_disableSetlocale(); }
 
     /// @return whether it is connected to the display.
     bool start(int argc, char** argv) const {
-        // It wants to know the program's name, and may change what it is given.
-        std::vector<char*> arguments(argv, argv + argc + 1);
-        char** rest = arguments.data();
-        return m_initCheck(&argc, &rest);
+        m_shareConnections();
+        // It wants to know the program's name, and may change what it is given, which lives as long
+        // as the process.
+        const auto count = static_cast<std::size_t>(argc) + 1;
+        auto** arguments = static_cast<char**>(std::calloc(count, sizeof(char*)));
+        if (!arguments)
+            return false;
+        std::copy_n(argv, count, arguments);
+        return m_initCheck(&argc, &arguments);
     }
 
     /// Its theme is read when the first window is made. Its fonts are not: that needs threads, and
@@ -65,6 +70,7 @@ private:
         function = reinterpret_cast<Function*>(dlsym(library, name));
     }
 
+    int (*m_shareConnections)() = nullptr;
     void (*m_disableSetlocale)() = nullptr;
     int (*m_initCheck)(int* argc, char*** argv) = nullptr;
     void* (*m_newWindow)(int type) = nullptr;
@@ -75,21 +81,38 @@ bool isToolkitStarted = false;
 
 /// Who gives options wants a text or a picture; what follows `--` is none.
 bool wantsWindow(int argc, char** argv) {
-    const std::vector<std::string_view> arguments(argv + 1, argv + argc);
-    const auto option = std::find_if(arguments.begin(), arguments.end(), [](std::string_view word) {
-        return word.substr(0, 1) == "-";
-    });
-    return option == arguments.end() || *option == "--";
+    char** const end = argv + argc;
+    char** const option =
+        std::find_if(argv + 1, end, [](const char* word) { return word[0] == '-'; });
+    return option == end || std::strcmp(*option, "--") == 0;
 }
 
-/// @throws std::runtime_error, and what the file system throws.
+[[noreturn]] void fail(const char* message) {
+    std::fprintf(stderr, "orbisk: %s\n", message);
+    std::exit(EXIT_FAILURE);
+}
+
+/// The program's library, beside the executable.
+void* openProgram() {
+    char file[PATH_MAX + sizeof(programName)];
+    const ssize_t length = readlink("/proc/self/exe", file, PATH_MAX);
+    if (length <= 0)
+        fail("its own folder cannot be found");
+    file[length] = '\0';
+    std::strcpy(std::strrchr(file, '/') + 1, programName);
+    return dlopen(file, RTLD_LAZY | RTLD_GLOBAL);
+}
+
 ProgramEntry loadProgram() {
-    const auto file = std::filesystem::read_symlink("/proc/self/exe").replace_filename(programName);
-    void* program = dlopen(file.c_str(), RTLD_LAZY | RTLD_GLOBAL);
+    void* program = openProgram();
     void* entry = program ? dlsym(program, entryName) : nullptr;
     if (!entry)
-        throw std::runtime_error(dlerror());
+        fail(dlerror());
     return reinterpret_cast<ProgramEntry>(entry);
+}
+
+void* loadProgramOnThread(void*) {
+    return reinterpret_cast<void*>(loadProgram());
 }
 
 /// Where the toolkit cannot be started, the program will find that out for itself and report it.
@@ -99,12 +122,14 @@ ProgramEntry startToolkitAndLoadProgram(int argc, char** argv) {
         return loadProgram();
     toolkit.disableSetlocale();
     isToolkitStarted = toolkit.start(argc, argv);
-    if (!isToolkitStarted)
-        return loadProgram();
     // Not sooner: the toolkit's start looks at the libraries that are there, and would wait.
-    auto program = std::async(std::launch::async, loadProgram);
+    pthread_t loading{};
+    if (!isToolkitStarted || pthread_create(&loading, nullptr, loadProgramOnThread, nullptr) != 0)
+        return loadProgram();
     toolkit.readTheme();
-    return program.get();
+    void* program = nullptr;
+    pthread_join(loading, &program);
+    return reinterpret_cast<ProgramEntry>(program);
 }
 
 } // namespace
@@ -118,13 +143,8 @@ extern "C" __attribute__((visibility("default"))) void gtk_disable_setlocale() {
 }
 
 int main(int argc, char** argv) {
-    orbisk::platform::prepareProcess();
-    ProgramEntry program = nullptr;
-    try {
-        program = wantsWindow(argc, argv) ? startToolkitAndLoadProgram(argc, argv) : loadProgram();
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "orbisk: %s\n", error.what());
-        return EXIT_FAILURE;
-    }
+    orbisk::platform::settleProcess();
+    const ProgramEntry program =
+        wantsWindow(argc, argv) ? startToolkitAndLoadProgram(argc, argv) : loadProgram();
     return program(argc, argv);
 }

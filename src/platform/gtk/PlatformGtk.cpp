@@ -1,5 +1,6 @@
 #include "platform/Artwork.h"
 #include "platform/Platform.h"
+#include "platform/Process.h"
 #include "platform/RunTimePath.h"
 #include "settings/AppSettings.h"
 
@@ -62,6 +63,12 @@ public:
 };
 
 } // namespace
+
+void prepareProcess() {
+    // The viewer's draw thread and the toolkit share the connection to the X server.
+    XInitThreads();
+    settleProcess();
+}
 
 wxAppTraits* makeAppTraits() {
     return new AppTraits;

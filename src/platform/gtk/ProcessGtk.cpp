@@ -6,8 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <X11/Xlib.h>
-
 namespace orbisk::platform {
 
 namespace {
@@ -18,12 +16,10 @@ bool onlyAsciiFileNames() {
 
 } // namespace
 
-void prepareProcess() {
+void settleProcess() {
     // The packaged GL canvas needs GLX, so a Wayland session shows the program through X11, unless
     // the user asked for something else.
     setenv("GDK_BACKEND", "x11", 0);
-    // The viewer's draw thread and the toolkit share the connection to the X server.
-    XInitThreads();
     std::setlocale(LC_ALL, "");
     settleLocale();
 }

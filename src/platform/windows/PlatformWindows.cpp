@@ -1,4 +1,5 @@
 #include "platform/Platform.h"
+#include "platform/Process.h"
 
 #include <direct.h>
 #include <wx/apptrait.h>
@@ -27,6 +28,10 @@ wxIcon iconOfSide(const std::string& name, int side) {
 }
 
 } // namespace
+
+void prepareProcess() {
+    settleProcess();
+}
 
 wxAppTraits* makeAppTraits() {
     return new wxGUIAppTraits;

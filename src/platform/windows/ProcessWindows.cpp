@@ -31,7 +31,7 @@ void answerInConsole() {
 
 } // namespace
 
-void prepareProcess() {
+void settleProcess() {
     answerInConsole();
     std::setlocale(LC_ALL, "");
     settleLocale();
