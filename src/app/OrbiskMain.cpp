@@ -234,6 +234,9 @@ void OrbiskFrame::replaceWelcomePanel() {
 }
 
 void OrbiskFrame::openFile(const wxString& path) {
+    // A reader reports to this frame, which will not be there any more.
+    if (m_isClosing)
+        return;
     if (addRecentFile(recentPath(path), appSettings().path_recent)) {
         m_bars->showRecentFiles(appSettings().path_recent);
         if (m_welcomePanel)
@@ -329,11 +332,14 @@ void OrbiskFrame::onClose(wxCloseEvent& event) {
             saveSettingsWithPlace(); // The session ends, and may not wait.
         return;
     }
+    m_isClosing = true;
     closeMeasurementTable();
     NestedLoop::endAllThen([this] { Destroy(); });
 }
 
 void OrbiskFrame::runCommand(Command command, bool checked) {
+    if (m_isClosing)
+        return;
     switch (command) {
     case Command::Open:
         return openWithDialog();

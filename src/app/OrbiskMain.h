@@ -112,6 +112,8 @@ private:
     wxString m_pathAtStart;
     bool m_tipWaits = false;
     bool m_closeAfterLoad = false;
+    /// The frame is to be deleted as soon as nothing is under way: no load or dialog may begin.
+    bool m_isClosing = false;
 
     wxDECLARE_EVENT_TABLE();
 };

@@ -107,6 +107,30 @@ TEST_F(CloseDuringLoadTest, WindowManagersCloseOfTheProgressDialogDoesNotStopThe
     EXPECT_TRUE(runUntil([] { return frame()->viewer().exists(); }));
 }
 
+TEST_F(CloseDuringLoadTest, ClosedFrameStartsNoLoad) {
+    start();
+    // The frame is deleted later, and what was queued for it may still come.
+    frame()->Close();
+    ASSERT_NE(frame(), nullptr);
+    frame()->openFile(writeSlowModel("gate.slow", "gate"));
+    EXPECT_FALSE(frame()->loader().isLoading());
+    EXPECT_TRUE(runUntil([] { return frame() == nullptr; }));
+    EXPECT_EQ(modelsRead(), 0);
+    EXPECT_EQ(readFile("datafile.json").find("gate.slow"), std::string::npos);
+}
+
+TEST_F(CloseDuringLoadTest, ClosedFrameFollowsNoCommand) {
+    start();
+    const int toolbarBefore = appSettings().tool_show;
+    frame()->Close();
+    ASSERT_NE(frame(), nullptr);
+    wxCommandEvent event(wxEVT_MENU, frame()->bars().menuId(Command::Toolbar));
+    event.SetInt(toolbarBefore == 0);
+    frame()->ProcessWindowEvent(event);
+    EXPECT_EQ(appSettings().tool_show, toolbarBefore);
+    EXPECT_TRUE(runUntil([] { return frame() == nullptr; }));
+}
+
 TEST_F(CloseDuringLoadTest, WholeProgramEndsWell) {
     writeSettings(R"({"x":40,"y":40,"w":900,"h":700})", languageEnglish);
     ChildProcess program(
