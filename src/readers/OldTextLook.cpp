@@ -92,9 +92,25 @@ bool hasItsHeights(const std::string& text, std::size_t place) {
            std::find(words.begin(), words.end(), "}") == words.end() - 1;
 }
 
+/// Whether heights stand behind an area each, which makes room for them.
+bool haveHeightsAreas(const std::string& text, const std::string& area) {
+    const std::string heights = "Heights";
+    std::size_t former = 0;
+    for (std::size_t place = text.find(heights); place != std::string::npos;
+         place = text.find(heights, former)) {
+        const std::size_t room = text.find(area, former);
+        if (room > place)
+            return false;
+        former = place + heights.size();
+    }
+    return true;
+}
+
 std::optional<std::string> shapeRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
     const std::string area = "NumColumnsAndRows";
+    if (!haveHeightsAreas(text, area))
+        return "a height field has heights without an area";
     for (std::size_t place = text.find(area); place != std::string::npos;
          place = text.find(area, place + 1))
         if (!hasItsHeights(text, place + area.size()))

@@ -88,6 +88,15 @@ TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
     EXPECT_FALSE(isOldTextFine(field("-2 -3", "0 1 2 3 4 5")));
 }
 
+TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
+    const std::string area = "NumColumnsAndRows 2 2\n";
+    const std::string heights = "Heights {\n 0 1 2 3\n }\n";
+    EXPECT_TRUE(isOldTextFine("HeightField {\n" + area + heights + area + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + area + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + area + heights + heights + "}\n"));
+}
+
 TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
     EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
     for (const char* ratio : {"50000", "nan", "-1", "inf"})
