@@ -210,12 +210,28 @@ bool isWholeLayer(osgTerrain::Layer& layer) {
     return !image || isWhole(*image);
 }
 
+bool isPlaced(const osgTerrain::Layer* layer) {
+    return layer && layer->getLocator();
+}
+
+/// Sees to it that a layer tells where the tile is; what draws it does without a test.
+void placeTile(osgTerrain::TerrainTile& tile) {
+    if (isPlaced(tile.getElevationLayer()) || isPlaced(tile.getColorLayer(0)))
+        return;
+    if (!tile.getElevationLayer() && !tile.getColorLayer(0))
+        tile.setColorLayer(0, new osgTerrain::ImageLayer);
+    osgTerrain::Layer* layer =
+        tile.getElevationLayer() ? tile.getElevationLayer() : tile.getColorLayer(0);
+    layer->setLocator(tile.getLocator() ? tile.getLocator() : new osgTerrain::Locator);
+}
+
 void checkTile(osgTerrain::TerrainTile& tile) {
     if (tile.getElevationLayer() && !isWholeLayer(*tile.getElevationLayer()))
         tile.setElevationLayer(nullptr);
     for (unsigned int i = 0; i < tile.getNumColorLayers(); ++i)
         if (tile.getColorLayer(i) && !isWholeLayer(*tile.getColorLayer(i)))
             tile.setColorLayer(i, nullptr);
+    placeTile(tile);
 }
 
 void checkGroup(osg::Group& group) {

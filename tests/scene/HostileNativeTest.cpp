@@ -350,6 +350,17 @@ Hostile terrainLayerOfAbsurdNumber() {
     return {tile, {{"Layer 0", "Layer 4294967295"}}};
 }
 
+Hostile terrainWithoutAPlace() {
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    tile->setElevationLayer(new osgTerrain::HeightFieldLayer(heightField(4, 4)));
+    return {tile};
+}
+
+Hostile terrainWithoutLayers() {
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    return {tile};
+}
+
 constexpr Case cases[] = {
     {"BillboardWithMorePositions", billboardWithMorePositions},
     {"BillboardWithFewerPositions", billboardWithFewerPositions},
@@ -377,6 +388,8 @@ constexpr Case cases[] = {
     {"UniformOfAbsurdSize", uniformOfAbsurdSize, "refused"},
     {"UniformOfOverflowingSize", uniformOfOverflowingSize, "refused"},
     {"TerrainLayerOfAbsurdNumber", terrainLayerOfAbsurdNumber, "refused"},
+    {"TerrainWithoutAPlace", terrainWithoutAPlace},
+    {"TerrainWithoutLayers", terrainWithoutLayers},
     {"TextOfAbsurdResolution", textOfAbsurdResolution},
     {"TextOfNoSize", textOfNoSize},
     {"LightPointsOfAbsurdSize", lightPointsOfAbsurdSize},
