@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -234,7 +235,19 @@ void checkTile(osgTerrain::TerrainTile& tile) {
     placeTile(tile);
 }
 
+/// Keeps drawables that are there twice from being put together with themselves, which the library
+/// does with what belongs to one group and cannot do.
+void keepRepetitionsApart(osg::Group& group) {
+    std::set<const osg::Node*> met;
+    for (unsigned int i = 0; i < group.getNumChildren(); ++i) {
+        osg::Node* child = group.getChild(i);
+        if (child->asDrawable() && !met.insert(child).second)
+            child->setDataVariance(osg::Object::DYNAMIC);
+    }
+}
+
 void checkGroup(osg::Group& group) {
+    keepRepetitionsApart(group);
     if (osg::Transform* transform = group.asTransform()) {
         if (!placesItsChildren(*transform))
             group.removeChildren(0, group.getNumChildren());

@@ -97,6 +97,19 @@ TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
     EXPECT_FALSE(isOldTextFine("HeightField {\n" + area + heights + heights + "}\n"));
 }
 
+TEST_F(ContentLookTest, OldTextMatrixOfTooManyNumbersIsRefused) {
+    const auto matrix = [](const std::string& name, int numbers) {
+        std::string text = name + " {\n";
+        for (int i = 0; i < numbers; ++i)
+            text += " 1";
+        return "MatrixTransform {\n" + text + "\n}\n}\n";
+    };
+    EXPECT_TRUE(isOldTextFine(matrix("Matrix", 16)));
+    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 17)));
+    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 2000)));
+    EXPECT_FALSE(isOldTextFine(matrix("PutMatrix", 17)));
+}
+
 TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
     EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
     for (const char* ratio : {"50000", "nan", "-1", "inf"})

@@ -350,6 +350,15 @@ Hostile terrainLayerOfAbsurdNumber() {
     return {tile, {{"Layer 0", "Layer 4294967295"}}};
 }
 
+Hostile drawableThatIsThereTwice() {
+    const osg::ref_ptr<osg::Geode> geode = makeQuadGeode();
+    const osg::ref_ptr<osg::Geometry> quad = geode->getDrawable(0)->asGeometry();
+    for (int i = 0; i < 40; ++i)
+        quad->addPrimitiveSet(new osg::DrawArrays(GL_POINTS, 0, 4));
+    geode->addDrawable(quad);
+    return {geode};
+}
+
 Hostile terrainWithoutAPlace() {
     const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
     tile->setElevationLayer(new osgTerrain::HeightFieldLayer(heightField(4, 4)));
@@ -388,6 +397,7 @@ constexpr Case cases[] = {
     {"UniformOfAbsurdSize", uniformOfAbsurdSize, "refused"},
     {"UniformOfOverflowingSize", uniformOfOverflowingSize, "refused"},
     {"TerrainLayerOfAbsurdNumber", terrainLayerOfAbsurdNumber, "refused"},
+    {"DrawableThatIsThereTwice", drawableThatIsThereTwice},
     {"TerrainWithoutAPlace", terrainWithoutAPlace},
     {"TerrainWithoutLayers", terrainWithoutLayers},
     {"TextOfAbsurdResolution", textOfAbsurdResolution},
