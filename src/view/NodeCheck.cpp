@@ -88,7 +88,12 @@ bool placesItsChildren(osg::Transform& transform) {
 }
 
 void checkLod(osg::LOD& lod) {
-    if (isUsable(lod.getCenter()) && isUsableCoordinate(static_cast<double>(lod.getRadius())))
+    // Any other centre is asked of the children, which have not been looked at yet.
+    const bool hasOwnCenter =
+        lod.getCenterMode() == osg::LOD::USER_DEFINED_CENTER ||
+        lod.getCenterMode() == osg::LOD::UNION_OF_BOUNDING_SPHERE_AND_USER_DEFINED;
+    if ((!hasOwnCenter || isUsable(lod.getCenter())) &&
+        isUsableCoordinate(static_cast<double>(lod.getRadius())))
         return;
     lod.setCenterMode(osg::LOD::USE_BOUNDING_SPHERE_CENTER);
     lod.setCenter(osg::Vec3());

@@ -359,6 +359,16 @@ Hostile drawableThatIsThereTwice() {
     return {geode};
 }
 
+Hostile levelsAboveIndicesBeyondTheVertices() {
+    const osg::ref_ptr<osg::LOD> levels = new osg::LOD;
+    const osg::ref_ptr<osg::Geode> geode = makeQuadGeode();
+    const GLuint corners[] = {0, 1, 900'000'000};
+    geode->getDrawable(0)->asGeometry()->addPrimitiveSet(
+        new osg::DrawElementsUInt(GL_TRIANGLES, 3, corners));
+    levels->addChild(geode, 0.0f, 1e6f);
+    return {levels};
+}
+
 Hostile terrainWithoutAPlace() {
     const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
     tile->setElevationLayer(new osgTerrain::HeightFieldLayer(heightField(4, 4)));
@@ -398,6 +408,7 @@ constexpr Case cases[] = {
     {"UniformOfOverflowingSize", uniformOfOverflowingSize, "refused"},
     {"TerrainLayerOfAbsurdNumber", terrainLayerOfAbsurdNumber, "refused"},
     {"DrawableThatIsThereTwice", drawableThatIsThereTwice},
+    {"LevelsAboveIndicesBeyondTheVertices", levelsAboveIndicesBeyondTheVertices},
     {"TerrainWithoutAPlace", terrainWithoutAPlace},
     {"TerrainWithoutLayers", terrainWithoutLayers},
     {"TextOfAbsurdResolution", textOfAbsurdResolution},
