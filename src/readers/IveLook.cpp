@@ -108,7 +108,7 @@ private:
 
     std::string text() {
         const Number size = count(1);
-        const std::string result(m_bytes.substr(m_place, size));
+        std::string result(m_bytes.substr(m_place, size));
         skip(size);
         return result;
     }
@@ -123,7 +123,7 @@ private:
         const IveRecord* found = iveRecord(family, static_cast<std::int32_t>(tag));
         expect(found != nullptr, "a record is of an unknown kind");
         expect(m_depth < deepestRecord, "records are nested too deeply");
-        if (m_fault)
+        if (m_fault || !found)
             return;
         ++m_depth;
         record(*found);
