@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 #include <vector>
 
 namespace orbisk {
@@ -92,9 +93,37 @@ bool hasItsHeights(const std::string& text, std::size_t place) {
            std::find(words.begin(), words.end(), "}") == words.end() - 1;
 }
 
+/// Whether heights stand behind an area each, which makes room for them.
+bool haveHeightsAreas(const std::string& text, const std::string& area) {
+    const std::string heights = "Heights";
+    std::size_t former = 0;
+    for (std::size_t place = text.find(heights); place != std::string::npos;
+         place = text.find(heights, former)) {
+        const std::size_t room = text.find(area, former);
+        if (room > place)
+            return false;
+        former = place + heights.size();
+    }
+    return true;
+}
+
+/// Whether the block at `bracket` is a matrix of more numbers than its reader has room for.
+bool isLargeMatrix(const std::string& text, std::size_t bracket) {
+    constexpr std::size_t most = 16;
+    constexpr std::string_view ending = "atrix";
+    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
+    if (last == std::string::npos || last + 1 < ending.size() ||
+        text.compare(last + 1 - ending.size(), ending.size(), ending) != 0)
+        return false;
+    const std::vector<std::string> words = wordsFrom(text, bracket + 1, most + 1);
+    return std::find(words.begin(), words.end(), "}") == words.end();
+}
+
 std::optional<std::string> shapeRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
     const std::string area = "NumColumnsAndRows";
+    if (!haveHeightsAreas(text, area))
+        return "a height field has heights without an area";
     for (std::size_t place = text.find(area); place != std::string::npos;
          place = text.find(area, place + 1))
         if (!hasItsHeights(text, place + area.size()))
@@ -129,6 +158,8 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
             return "more elements are announced than the file has bytes";
         if (holdsPrimitives(text, place) && !hasOnlyNumbers(text, place))
             return "a primitive set has something else than numbers";
+        if (isLargeMatrix(text, place))
+            return "a matrix has too many numbers";
     }
     return shapeRefusal(text);
 }

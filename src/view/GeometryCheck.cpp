@@ -1,5 +1,7 @@
 #include "view/GeometryCheck.h"
 
+#include "view/OldGeometry.h"
+
 #include <osg/Notify>
 
 #include <algorithm>
@@ -96,14 +98,23 @@ std::uint64_t checkPrimitives(osg::Geometry& geometry, std::uint64_t vertexCount
     return used;
 }
 
+/// What drawing looks up in the arrays beside the vertices.
+struct Drawn {
+    std::uint64_t vertices;
+    std::uint64_t sets;
+    std::uint64_t primitives;
+};
+
 /// Whether drawing finds an element of `array` wherever it looks for one.
-bool isLongEnough(const osg::Array& array, std::uint64_t vertices, std::uint64_t sets) {
-    const std::uint64_t elements = array.getNumElements();
+bool isLongEnough(const osg::Array& array, const Drawn& drawn) {
+    const std::uint64_t elements = elementCount(array);
+    if (array.getBinding() == bindPerPrimitive)
+        return elements >= drawn.primitives;
     switch (array.getBinding()) {
     case osg::Array::BIND_PER_VERTEX:
-        return elements >= vertices;
+        return elements >= drawn.vertices;
     case osg::Array::BIND_PER_PRIMITIVE_SET:
-        return elements >= sets;
+        return elements >= drawn.sets;
     case osg::Array::BIND_OVERALL:
         return elements > 0;
     default:
@@ -113,24 +124,23 @@ bool isLongEnough(const osg::Array& array, std::uint64_t vertices, std::uint64_t
 
 /// Leaves out what comes beside the vertices where it is too short.
 void checkCompanions(osg::Geometry& geometry, std::uint64_t vertices) {
-    const std::uint64_t sets = geometry.getNumPrimitiveSets();
-    const auto isShort = [=](const osg::Array* array) {
-        return array && !isLongEnough(*array, vertices, sets);
-    };
-    if (isShort(geometry.getNormalArray()))
-        geometry.setNormalArray(nullptr);
-    if (isShort(geometry.getColorArray()))
-        geometry.setColorArray(nullptr);
-    if (isShort(geometry.getSecondaryColorArray()))
-        geometry.setSecondaryColorArray(nullptr);
-    if (isShort(geometry.getFogCoordArray()))
-        geometry.setFogCoordArray(nullptr);
-    for (unsigned int unit = 0; unit < geometry.getNumTexCoordArrays(); ++unit)
-        if (isShort(geometry.getTexCoordArray(unit)))
-            geometry.setTexCoordArray(unit, nullptr);
-    for (unsigned int index = 0; index < geometry.getNumVertexAttribArrays(); ++index)
-        if (isShort(geometry.getVertexAttribArray(index)))
-            geometry.setVertexAttribArray(index, nullptr);
+    const Drawn drawn{vertices, geometry.getNumPrimitiveSets(), primitiveCount(geometry)};
+    changeCompanions(
+        geometry, [&](osg::Array* array) { return isLongEnough(*array, drawn) ? array : nullptr; });
+}
+
+void checkIndices(osg::Geometry& geometry) {
+    if (geometry.getVertexArray() && hasWrongIndices(*geometry.getVertexArray()))
+        geometry.setVertexArray(nullptr);
+    changeCompanions(geometry,
+                     [](osg::Array* array) { return hasWrongIndices(*array) ? nullptr : array; });
+}
+
+/// Leaves out what goes beyond the arrays.
+void checkLengths(osg::Geometry& geometry) {
+    const osg::Array* vertices = geometry.getVertexArray();
+    const std::uint64_t used = checkPrimitives(geometry, vertices ? elementCount(*vertices) : 0);
+    checkCompanions(geometry, used);
 }
 
 std::uint32_t magnitudeBits(float number) {
@@ -195,11 +205,13 @@ void checkGeometry(osg::Geometry& geometry) {
         geometry.dirtyBound();
     }
     const unsigned int setsBefore = geometry.getNumPrimitiveSets();
-    const std::uint64_t used = checkPrimitives(geometry, vertices ? vertices->getNumElements() : 0);
+    checkIndices(geometry);
+    checkLengths(geometry);
+    if (renewGeometry(geometry))
+        checkLengths(geometry);
     if (geometry.getNumPrimitiveSets() != setsBefore)
         OSG_WARN << "Left out " << setsBefore - geometry.getNumPrimitiveSets()
                  << " primitive sets that cannot be drawn." << std::endl;
-    checkCompanions(geometry, used);
 }
 
 } // namespace orbisk

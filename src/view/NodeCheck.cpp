@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -87,7 +88,12 @@ bool placesItsChildren(osg::Transform& transform) {
 }
 
 void checkLod(osg::LOD& lod) {
-    if (isUsable(lod.getCenter()) && isUsableCoordinate(static_cast<double>(lod.getRadius())))
+    // Any other centre is asked of the children, which have not been looked at yet.
+    const bool hasOwnCenter =
+        lod.getCenterMode() == osg::LOD::USER_DEFINED_CENTER ||
+        lod.getCenterMode() == osg::LOD::UNION_OF_BOUNDING_SPHERE_AND_USER_DEFINED;
+    if ((!hasOwnCenter || isUsable(lod.getCenter())) &&
+        isUsableCoordinate(static_cast<double>(lod.getRadius())))
         return;
     lod.setCenterMode(osg::LOD::USE_BOUNDING_SPHERE_CENTER);
     lod.setCenter(osg::Vec3());
@@ -210,15 +216,43 @@ bool isWholeLayer(osgTerrain::Layer& layer) {
     return !image || isWhole(*image);
 }
 
+bool isPlaced(const osgTerrain::Layer* layer) {
+    return layer && layer->getLocator();
+}
+
+/// Sees to it that a layer tells where the tile is; what draws it does without a test.
+void placeTile(osgTerrain::TerrainTile& tile) {
+    if (isPlaced(tile.getElevationLayer()) || isPlaced(tile.getColorLayer(0)))
+        return;
+    if (!tile.getElevationLayer() && !tile.getColorLayer(0))
+        tile.setColorLayer(0, new osgTerrain::ImageLayer);
+    osgTerrain::Layer* layer =
+        tile.getElevationLayer() ? tile.getElevationLayer() : tile.getColorLayer(0);
+    layer->setLocator(tile.getLocator() ? tile.getLocator() : new osgTerrain::Locator);
+}
+
 void checkTile(osgTerrain::TerrainTile& tile) {
     if (tile.getElevationLayer() && !isWholeLayer(*tile.getElevationLayer()))
         tile.setElevationLayer(nullptr);
     for (unsigned int i = 0; i < tile.getNumColorLayers(); ++i)
         if (tile.getColorLayer(i) && !isWholeLayer(*tile.getColorLayer(i)))
             tile.setColorLayer(i, nullptr);
+    placeTile(tile);
+}
+
+/// Keeps drawables that are there twice from being put together with themselves, which the library
+/// does with what belongs to one group and cannot do.
+void keepRepetitionsApart(osg::Group& group) {
+    std::set<const osg::Node*> met;
+    for (unsigned int i = 0; i < group.getNumChildren(); ++i) {
+        osg::Node* child = group.getChild(i);
+        if (child->asDrawable() && !met.insert(child).second)
+            child->setDataVariance(osg::Object::DYNAMIC);
+    }
 }
 
 void checkGroup(osg::Group& group) {
+    keepRepetitionsApart(group);
     if (osg::Transform* transform = group.asTransform()) {
         if (!placesItsChildren(*transform))
             group.removeChildren(0, group.getNumChildren());

@@ -10,6 +10,7 @@
 #include "readers/OldTextLook.h"
 #include "readers/SaferSerializers.h"
 #include "readers/XmlSceneLook.h"
+#include "view/IveReading.h"
 #include "view/LibraryGuard.h"
 #include "view/MessageLimit.h"
 #include "view/ModelCheck.h"
@@ -138,23 +139,6 @@ std::optional<std::string> contentRefusal(const std::string& name, const std::st
     return look != looks.end() ? look->second(path) : std::nullopt;
 }
 
-/// Reads a model from a stream that throws where the file ends, for a reader that would go on.
-Result readFromStream(const std::string& name, const std::string& extension,
-                      const osgDB::Options* options) {
-    const std::string path = osgDB::findDataFile(name, options);
-    const osgDB::ReaderWriter* reader =
-        osgDB::Registry::instance()->getReaderWriterForExtension(extension);
-    if (path.empty() || !reader)
-        return path.empty() ? Result::FILE_NOT_FOUND : Result::FILE_NOT_HANDLED;
-    const osg::ref_ptr<osgDB::Options> beside =
-        options ? static_cast<osgDB::Options*>(options->clone(osg::CopyOp::SHALLOW_COPY))
-                : new osgDB::Options;
-    beside->getDatabasePathList().push_front(osgDB::getFilePath(path));
-    osgDB::ifstream file(path.c_str(), std::ios::binary);
-    file.exceptions(std::ios::failbit | std::ios::badbit);
-    return reader->readNode(file, beside);
-}
-
 /// The program's own reader; the library's is not asked where this one fails.
 const osgDB::ReaderWriter* ownReaderFor(const std::string& name) {
     return modelReaderFor(osgDB::getLowerCaseFileExtension(name));
@@ -174,35 +158,34 @@ public:
     Result readObject(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Other, options, [&] {
             const osgDB::ReaderWriter* own = ownReaderFor(name);
-            return own ? own->readObject(name, options)
-                       : ReadFileCallback::readObject(name, options);
+            return own ? own->readObject(name, options) : looked(name, options, [&] {
+                return ReadFileCallback::readObject(name, options);
+            });
         });
     }
 
     Result readImage(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Image, options, [&] {
             const osgDB::ReaderWriter* own = ownReaderFor(name);
-            return own ? own->readImage(name, options) : ReadFileCallback::readImage(name, options);
+            return own ? own->readImage(name, options) : looked(name, options, [&] {
+                return ReadFileCallback::readImage(name, options);
+            });
         });
     }
 
     Result readHeightField(const std::string& name, const osgDB::Options* options) override {
-        return guarded(name, ReadKind::Image, options,
-                       [&] { return ReadFileCallback::readHeightField(name, options); });
+        return guarded(name, ReadKind::Image, options, [&] {
+            return looked(name, options,
+                          [&] { return ReadFileCallback::readHeightField(name, options); });
+        });
     }
 
     Result readNode(const std::string& name, const osgDB::Options* options) override {
         return guarded(name, ReadKind::Model, options, [&] {
-            if (const osgDB::ReaderWriter* own = ownReaderFor(name))
-                return own->readNode(name, options);
-            const std::string extension = osgDB::getLowerCaseFileExtension(name);
-            if (const auto refusal = contentRefusal(name, extension, options))
-                return Result(*refusal);
-            // The native format too, but with its words taken by the library.
-            if (extension == "osgx")
-                installSaferSerializers();
-            return extension == "ive" ? readFromStream(name, extension, options)
-                                      : ReadFileCallback::readNode(name, options);
+            const osgDB::ReaderWriter* own = ownReaderFor(name);
+            return own ? own->readNode(name, options) : looked(name, options, [&] {
+                return ReadFileCallback::readNode(name, options);
+            });
         });
     }
 
@@ -212,6 +195,20 @@ public:
     }
 
 private:
+    /// Leaves a file to the library's reader, whatever is wanted of it, once it was looked at.
+    template <typename Read>
+    static Result looked(const std::string& name, const osgDB::Options* options, const Read& read) {
+        const std::string extension = osgDB::getLowerCaseFileExtension(name);
+        if (extension == "ive")
+            return readIve(name, options);
+        if (const auto refusal = contentRefusal(name, extension, options))
+            return Result(*refusal);
+        // The native format too, but with its words taken by the library.
+        if (extension == "osgx")
+            installSaferSerializers();
+        return read();
+    }
+
     template <typename Read>
     Result guarded(const std::string& name, ReadKind kind, const osgDB::Options* options,
                    const Read& read) {
@@ -230,7 +227,7 @@ private:
         const ReadMark mark(file);
         const MemoryLimit limit(roomFor(file, isOutermost));
         Result result = withoutThrowing(read);
-        return isOutermost ? checked(result) : result;
+        return isOutermost ? withoutThrowing([&] { return checked(result); }) : result;
     }
 
     template <typename Read>

@@ -127,6 +127,10 @@ std::optional<std::string> readRefusal(const std::string& name, ReadKind kind) {
     return std::nullopt;
 }
 
+bool isImageName(const std::string& name) {
+    return imageExtensions.count(extensionOf(name)) != 0;
+}
+
 bool isShareName(const std::string& name) {
     return name.size() > 1 && isSlash(name[0]) && isSlash(name[1]);
 }

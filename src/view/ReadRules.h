@@ -17,6 +17,9 @@ enum class ReadKind { Model, Image, Shader, Other };
 /// @return nothing where the name may be read, else a reason to be shown after the name.
 std::optional<std::string> readRefusal(const std::string& name, ReadKind kind);
 
+/// Whether a name is one of a picture, in a format that is read.
+bool isImageName(const std::string& name);
+
 /// Whether a name stands for another machine's file in the way of Windows ("\\server\share\x" in
 /// either kind of slashes): reading it sends the user's credentials there.
 bool isShareName(const std::string& name);

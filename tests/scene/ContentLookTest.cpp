@@ -88,6 +88,28 @@ TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
     EXPECT_FALSE(isOldTextFine(field("-2 -3", "0 1 2 3 4 5")));
 }
 
+TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
+    const std::string area = "NumColumnsAndRows 2 2\n";
+    const std::string heights = "Heights {\n 0 1 2 3\n }\n";
+    EXPECT_TRUE(isOldTextFine("HeightField {\n" + area + heights + area + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + area + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + area + heights + heights + "}\n"));
+}
+
+TEST_F(ContentLookTest, OldTextMatrixOfTooManyNumbersIsRefused) {
+    const auto matrix = [](const std::string& name, int numbers) {
+        std::string text = name + " {\n";
+        for (int i = 0; i < numbers; ++i)
+            text += " 1";
+        return "MatrixTransform {\n" + text + "\n}\n}\n";
+    };
+    EXPECT_TRUE(isOldTextFine(matrix("Matrix", 16)));
+    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 17)));
+    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 2000)));
+    EXPECT_FALSE(isOldTextFine(matrix("PutMatrix", 17)));
+}
+
 TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
     EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
     for (const char* ratio : {"50000", "nan", "-1", "inf"})

@@ -350,6 +350,36 @@ Hostile terrainLayerOfAbsurdNumber() {
     return {tile, {{"Layer 0", "Layer 4294967295"}}};
 }
 
+Hostile drawableThatIsThereTwice() {
+    const osg::ref_ptr<osg::Geode> geode = makeQuadGeode();
+    const osg::ref_ptr<osg::Geometry> quad = geode->getDrawable(0)->asGeometry();
+    for (int i = 0; i < 40; ++i)
+        quad->addPrimitiveSet(new osg::DrawArrays(GL_POINTS, 0, 4));
+    geode->addDrawable(quad);
+    return {geode};
+}
+
+Hostile levelsAboveIndicesBeyondTheVertices() {
+    const osg::ref_ptr<osg::LOD> levels = new osg::LOD;
+    const osg::ref_ptr<osg::Geode> geode = makeQuadGeode();
+    const GLuint corners[] = {0, 1, 900'000'000};
+    geode->getDrawable(0)->asGeometry()->addPrimitiveSet(
+        new osg::DrawElementsUInt(GL_TRIANGLES, 3, corners));
+    levels->addChild(geode, 0.0f, 1e6f);
+    return {levels};
+}
+
+Hostile terrainWithoutAPlace() {
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    tile->setElevationLayer(new osgTerrain::HeightFieldLayer(heightField(4, 4)));
+    return {tile};
+}
+
+Hostile terrainWithoutLayers() {
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    return {tile};
+}
+
 constexpr Case cases[] = {
     {"BillboardWithMorePositions", billboardWithMorePositions},
     {"BillboardWithFewerPositions", billboardWithFewerPositions},
@@ -377,6 +407,10 @@ constexpr Case cases[] = {
     {"UniformOfAbsurdSize", uniformOfAbsurdSize, "refused"},
     {"UniformOfOverflowingSize", uniformOfOverflowingSize, "refused"},
     {"TerrainLayerOfAbsurdNumber", terrainLayerOfAbsurdNumber, "refused"},
+    {"DrawableThatIsThereTwice", drawableThatIsThereTwice},
+    {"LevelsAboveIndicesBeyondTheVertices", levelsAboveIndicesBeyondTheVertices},
+    {"TerrainWithoutAPlace", terrainWithoutAPlace},
+    {"TerrainWithoutLayers", terrainWithoutLayers},
     {"TextOfAbsurdResolution", textOfAbsurdResolution},
     {"TextOfNoSize", textOfNoSize},
     {"LightPointsOfAbsurdSize", lightPointsOfAbsurdSize},
