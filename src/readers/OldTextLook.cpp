@@ -1,5 +1,7 @@
 #include "readers/OldTextLook.h"
 
+#include <osgDB/Input>
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -119,6 +121,25 @@ bool isLargeMatrix(const std::string& text, std::size_t bracket) {
     return std::find(words.begin(), words.end(), "}") == words.end();
 }
 
+/// Whether the block at `bracket` holds the times of a sequence with something among them that is
+/// none, at which their reader stays for ever.
+bool hasEndlessTimes(const std::string& text, std::size_t bracket) {
+    constexpr std::string_view name = "frameTime";
+    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
+    if (last == std::string::npos || last + 1 < name.size() ||
+        text.compare(last + 1 - name.size(), name.size(), name) != 0)
+        return false;
+    for (std::size_t place = bracket + 1;;) {
+        const std::vector<std::string> word = wordsFrom(text, place, 1);
+        if (word.empty() || word[0] == "}")
+            return word.empty();
+        const auto kind = osgDB::Field::calculateFieldType(word[0].c_str());
+        if (kind != osgDB::Field::INTEGER && kind != osgDB::Field::REAL)
+            return true;
+        place = text.find(word[0], place) + word[0].size();
+    }
+}
+
 std::optional<std::string> shapeRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
     const std::string area = "NumColumnsAndRows";
@@ -160,6 +181,8 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
             return "a primitive set has something else than numbers";
         if (isLargeMatrix(text, place))
             return "a matrix has too many numbers";
+        if (hasEndlessTimes(text, place))
+            return "a sequence has something else than times";
     }
     return shapeRefusal(text);
 }

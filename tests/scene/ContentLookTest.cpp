@@ -110,6 +110,17 @@ TEST_F(ContentLookTest, OldTextMatrixOfTooManyNumbersIsRefused) {
     EXPECT_FALSE(isOldTextFine(matrix("PutMatrix", 17)));
 }
 
+TEST_F(ContentLookTest, OldTextTimesThatAreNoneAreRefused) {
+    const auto sequence = [](const std::string& times) {
+        return "Sequence {\n  frameTime {\n" + times + "\n  }\n}\n";
+    };
+    EXPECT_TRUE(isOldTextFine(sequence("0.5 1\n 2e-1")));
+    EXPECT_TRUE(isOldTextFine(sequence("")));
+    for (const char* times : {"0.5 soon 1", "\"0.5\"", "{ 1 }", "nan", "0.5 1}x"})
+        EXPECT_FALSE(isOldTextFine(sequence(times))) << times;
+    EXPECT_FALSE(isOldTextFine("frameTime {\n 0.5"));
+}
+
 TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
     EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
     for (const char* ratio : {"50000", "nan", "-1", "inf"})
