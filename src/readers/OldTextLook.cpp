@@ -29,6 +29,33 @@ std::size_t wordBegin(const std::string& text, std::size_t end) {
     return end;
 }
 
+/// Behind the text that begins with the quote at `place`; the end where it has none.
+std::size_t afterQuoted(const std::string& text, std::size_t place) {
+    const char ends[] = {text[place], '\\', '\0'};
+    place = text.find_first_of(ends, place + 1);
+    while (place != std::string::npos && text[place] == '\\')
+        place = text.find_first_of(ends, place + 2);
+    return place == std::string::npos ? text.size() : place + 1;
+}
+
+/// Whether each bracket has its counterpart, so that no block is open where the file ends: some
+/// readers take a word there that there is not.
+bool areBracketsPaired(const std::string& text) {
+    std::size_t depth = 0;
+    for (std::size_t place = text.find_first_of("{}\"'"); place < text.size();
+         place = text.find_first_of("{}\"'", place)) {
+        const char c = text[place];
+        if (c == '}' && depth == 0)
+            return false;
+        if (c == '{')
+            ++depth;
+        else if (c == '}')
+            --depth;
+        place = c == '{' || c == '}' ? place + 1 : afterQuoted(text, place);
+    }
+    return depth == 0;
+}
+
 /// The number before the bracket at `bracket`, if there is one.
 std::optional<unsigned long long> countBefore(const std::string& text, std::size_t bracket) {
     std::size_t end = bracket;
@@ -184,6 +211,8 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
         if (hasEndlessTimes(text, place))
             return "a sequence has something else than times";
     }
+    if (!areBracketsPaired(text))
+        return "a block has no end, or an end no block";
     return shapeRefusal(text);
 }
 

@@ -110,6 +110,15 @@ TEST_F(ContentLookTest, OldTextMatrixOfTooManyNumbersIsRefused) {
     EXPECT_FALSE(isOldTextFine(matrix("PutMatrix", 17)));
 }
 
+TEST_F(ContentLookTest, OldTextWithoutAllItsBracketsIsRefused) {
+    EXPECT_TRUE(isOldTextFine("Group {\n StateSet { GL_LIGHTING ON }\n}\n"));
+    for (const char* name : {"\"{\"", "\"}\"", "'{'", "\"a\\\"{\"", "\"\\\\\"", "\"'{\"", "'\"}'"})
+        EXPECT_TRUE(isOldTextFine(std::string("Group {\n name ") + name + "\n}\n")) << name;
+    for (const char* text : {"Group {\n StateSet {\n GL_LIGHTING", "Group {\n}\n}\n",
+                             "} StateSet {\n GL_LIGHTING", "Group {\n name \"a }\n"})
+        EXPECT_FALSE(isOldTextFine(text)) << text;
+}
+
 TEST_F(ContentLookTest, OldTextTimesThatAreNoneAreRefused) {
     const auto sequence = [](const std::string& times) {
         return "Sequence {\n  frameTime {\n" + times + "\n  }\n}\n";
