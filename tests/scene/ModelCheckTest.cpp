@@ -3,13 +3,17 @@
 #include "support/SceneTools.h"
 
 #include <gtest/gtest.h>
+#include <osg/AutoTransform>
+#include <osg/Camera>
 #include <osg/LOD>
 #include <osg/MatrixTransform>
 #include <osg/PositionAttitudeTransform>
+#include <osgSim/DOFTransform>
 
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace orbisk::test {
 
@@ -202,6 +206,29 @@ TEST_F(ModelCheckTest, WhatStandsUnderATransformWithoutNumbersIsLeftOut) {
     EXPECT_EQ(checkModel(*model), std::nullopt);
     EXPECT_EQ(first->getNumChildren(), 0u);
     EXPECT_EQ(second->getNumChildren(), 0u);
+}
+
+TEST_F(ModelCheckTest, EveryKindOfTransformNeedsNumbers) {
+    const osg::ref_ptr<osg::AutoTransform> turned = new osg::AutoTransform;
+    const osg::ref_ptr<osg::Camera> camera = new osg::Camera;
+    const osg::ref_ptr<osgSim::DOFTransform> joint = new osgSim::DOFTransform;
+    const osg::ref_ptr<osgSim::DOFTransform> put = new osgSim::DOFTransform;
+    const std::vector<osg::Transform*> all = {turned, camera, joint, put};
+    for (osg::Transform* transform : all) {
+        transform->addChild(m_geode);
+        EXPECT_EQ(checkModel(*transform), std::nullopt);
+        EXPECT_EQ(transform->getNumChildren(), 1u) << transform->className();
+    }
+    osg::Matrixd matrix;
+    matrix(3, 0) = static_cast<double>(infinite);
+    turned->setPosition(osg::Vec3d(0, static_cast<double>(notANumber), 0));
+    camera->setViewMatrix(matrix);
+    joint->setCurrentTranslate(osg::Vec3(0, 0, infinite));
+    put->setPutMatrix(matrix);
+    for (osg::Transform* transform : all) {
+        EXPECT_EQ(checkModel(*transform), std::nullopt);
+        EXPECT_EQ(transform->getNumChildren(), 0u) << transform->className();
+    }
 }
 
 TEST_F(ModelCheckTest, TransformThatFlattensEverythingStays) {
