@@ -167,8 +167,21 @@ bool hasEndlessTimes(const std::string& text, std::size_t bracket) {
     }
 }
 
-std::optional<std::string> shapeRefusal(const std::string& text) {
+/// Whether the word behind each `name` is as it should be; an empty one where there is none.
+template <typename Fine>
+bool allBehind(const std::string& text, const std::string& name, const Fine& isFine) {
+    for (std::size_t place = text.find(name); place != std::string::npos;
+         place = text.find(name, place + 1)) {
+        const std::vector<std::string> word = wordsFrom(text, place + name.size(), 1);
+        if (!isFine(word.empty() ? std::string() : word[0]))
+            return false;
+    }
+    return true;
+}
+
+std::optional<std::string> numberRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
+    constexpr long long highestTextureUnit = 255;
     const std::string area = "NumColumnsAndRows";
     if (!haveHeightsAreas(text, area))
         return "a height field has heights without an area";
@@ -176,14 +189,17 @@ std::optional<std::string> shapeRefusal(const std::string& text) {
          place = text.find(area, place + 1))
         if (!hasItsHeights(text, place + area.size()))
             return "a height field has another number of heights than it says";
-    const std::string detail = "detailRatio";
-    for (std::size_t place = text.find(detail); place != std::string::npos;
-         place = text.find(detail, place + 1)) {
-        const std::vector<std::string> ratio = wordsFrom(text, place + detail.size(), 1);
-        const double number = ratio.empty() ? 0.0 : std::strtod(ratio[0].c_str(), nullptr);
-        if (!(number >= 0.0 && number <= highestDetail))
-            return "a shape of absurd detail";
-    }
+    if (!allBehind(text, "detailRatio", [](const std::string& ratio) {
+            const double number = std::strtod(ratio.c_str(), nullptr);
+            return number >= 0.0 && number <= highestDetail;
+        }))
+        return "a shape of absurd detail";
+    // There is room for the units up to it, each of them.
+    if (!allBehind(text, "textureUnit", [](const std::string& unit) {
+            const long long number = std::strtoll(unit.c_str(), nullptr, 0);
+            return number >= 0 && number <= highestTextureUnit;
+        }))
+        return "a picture is on a unit that there is not";
     return std::nullopt;
 }
 
@@ -213,7 +229,7 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
     }
     if (!areBracketsPaired(text))
         return "a block has no end, or an end no block";
-    return shapeRefusal(text);
+    return numberRefusal(text);
 }
 
 } // namespace orbisk

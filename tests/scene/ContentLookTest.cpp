@@ -136,6 +136,17 @@ TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
         EXPECT_FALSE(isOldTextFine(std::string("detailRatio ") + ratio + "\n")) << ratio;
 }
 
+TEST_F(ContentLookTest, OldTextPictureOnAnAbsurdUnitIsRefused) {
+    const auto onUnit = [](const std::string& unit) {
+        return "StateSet {\n textureUnit " + unit + " {\n GL_TEXTURE_2D ON\n }\n}\n";
+    };
+    for (const char* unit : {"0", "7", "0x7"})
+        EXPECT_TRUE(isOldTextFine(onUnit(unit))) << unit;
+    for (const char* unit :
+         {"18446744073709551615", "-1", "4294967295", "2000000000", "0xffffffff"})
+        EXPECT_FALSE(isOldTextFine(onUnit(unit))) << unit;
+}
+
 TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
     std::string text;
     for (int i = 0; i < 2000; ++i)
