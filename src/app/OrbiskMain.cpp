@@ -216,6 +216,8 @@ void OrbiskFrame::switchLanguage(int language) {
     if (m_loader->isLoading())
         return;
     appSettings().language = language;
+    if (m_isClosing)
+        return;
     wxGetApp().setUpLocale();
     addToolkitTexts(language);
     rebuildContents();
@@ -291,7 +293,7 @@ void OrbiskFrame::onProgress(wxThreadEvent& event) {
     }
     m_loader->finish();
     if (m_closeAfterLoad)
-        Destroy();
+        closeForGood();
     else
         createOSGViewer();
 }
@@ -332,6 +334,10 @@ void OrbiskFrame::onClose(wxCloseEvent& event) {
             saveSettingsWithPlace(); // The session ends, and may not wait.
         return;
     }
+    closeForGood();
+}
+
+void OrbiskFrame::closeForGood() {
     m_isClosing = true;
     closeMeasurementTable();
     NestedLoop::endAllThen([this] { Destroy(); });

@@ -73,6 +73,8 @@ private:
     void rebuildContents();
     void replaceWelcomePanel();
     void wasSeen();
+    /// Ends what is under way, and deletes the frame.
+    void closeForGood();
     void showWaitingTip();
 
     void onSize(wxSizeEvent& event);

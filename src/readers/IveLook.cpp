@@ -473,7 +473,8 @@ bool isPackedIve(std::string_view bytes) {
 }
 
 std::optional<std::string> unpackedIve(std::string_view bytes) {
-    constexpr std::size_t mostUnpacked = 100;
+    constexpr std::size_t mostTimesThePacked = 100;
+    constexpr std::size_t alwaysAllowed = std::size_t(1) << 28;
     constexpr std::size_t pieceSize = 1 << 16;
     constexpr int anyForm = MAX_WBITS + 32;
     // Behind the head there is the size of the largest piece that was packed.
@@ -488,7 +489,8 @@ std::optional<std::string> unpackedIve(std::string_view bytes) {
         return std::nullopt;
     std::vector<char> piece(pieceSize);
     int state = Z_OK;
-    while (state == Z_OK && result.size() <= mostUnpacked * bytes.size() + pieceSize) {
+    const std::size_t most = std::max(mostTimesThePacked * bytes.size(), alwaysAllowed);
+    while (state == Z_OK && result.size() <= most) {
         stream.next_out = reinterpret_cast<Bytef*>(piece.data());
         stream.avail_out = pieceSize;
         state = inflate(&stream, Z_NO_FLUSH);

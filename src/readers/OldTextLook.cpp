@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string_view>
@@ -38,22 +39,25 @@ std::size_t afterQuoted(const std::string& text, std::size_t place) {
     return place == std::string::npos ? text.size() : place + 1;
 }
 
-/// Whether each bracket has its counterpart, so that no block is open where the file ends: some
-/// readers take a word there that there is not.
-bool areBracketsPaired(const std::string& text) {
-    std::size_t depth = 0;
-    for (std::size_t place = text.find_first_of("{}\"'"); place < text.size();
-         place = text.find_first_of("{}\"'", place)) {
-        const char c = text[place];
-        if (c == '}' && depth == 0)
-            return false;
-        if (c == '{')
-            ++depth;
-        else if (c == '}')
-            --depth;
-        place = c == '{' || c == '}' ? place + 1 : afterQuoted(text, place);
+/// Puts quotes in place of what is quoted, which means nothing to the readers of numbers.
+void blankQuoted(std::string& text) {
+    for (std::size_t place = text.find_first_of("\"'"); place < text.size();
+         place = text.find_first_of("\"'", place)) {
+        const std::size_t end = afterQuoted(text, place);
+        std::fill(text.begin() + static_cast<std::ptrdiff_t>(place),
+                  text.begin() + static_cast<std::ptrdiff_t>(end), '"');
+        place = end;
     }
-    return depth == 0;
+}
+
+/// Whether the readers see the words that stand there: they end a word at a zero and, in some
+/// systems, the whole file at an end mark, and take other letters than those of ASCII for anything.
+bool hasPlainLetters(const std::string& text) {
+    constexpr unsigned char endMark = 0x1a;
+    constexpr unsigned char firstForeign = 0x80;
+    return std::none_of(text.begin(), text.end(), [](unsigned char c) {
+        return c == 0 || c == endMark || c >= firstForeign;
+    });
 }
 
 /// The number before the bracket at `bracket`, if there is one.
@@ -89,15 +93,17 @@ bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {
     return end != std::string::npos && text[end] == '}';
 }
 
-/// The words from `place` on, one after the other.
+constexpr const char* blanks = " \t\r\n";
+
+/// The words from `place` on, one after the other; a bracket is a word of its own.
 std::vector<std::string> wordsFrom(const std::string& text, std::size_t place, std::size_t count) {
     std::vector<std::string> words;
-    constexpr const char* between = " \t\r\n";
     while (words.size() < count) {
-        const std::size_t begin = text.find_first_not_of(between, place);
+        const std::size_t begin = text.find_first_not_of(blanks, place);
         if (begin == std::string::npos)
             break;
-        place = std::min(text.find_first_of(between, begin), text.size());
+        place = std::min(text.find_first_of(" \t\r\n{}", begin), text.size());
+        place = std::max(place, begin + 1);
         words.push_back(text.substr(begin, place - begin));
     }
     return words;
@@ -167,13 +173,15 @@ bool hasEndlessTimes(const std::string& text, std::size_t bracket) {
     }
 }
 
-/// Whether the word behind each `name` is as it should be; an empty one where there is none.
+/// Whether the word behind each word `name` is as it should be; an empty one where there is none.
 template <typename Fine>
 bool allBehind(const std::string& text, const std::string& name, const Fine& isFine) {
     for (std::size_t place = text.find(name); place != std::string::npos;
          place = text.find(name, place + 1)) {
-        const std::vector<std::string> word = wordsFrom(text, place + name.size(), 1);
-        if (!isFine(word.empty() ? std::string() : word[0]))
+        const bool isBegin = place == 0 || std::strchr(" \t\r\n{}\"", text[place - 1]);
+        std::vector<std::string> words = wordsFrom(text, place, 2);
+        words.resize(2);
+        if (isBegin && words[0] == name && !isFine(words[1]))
             return false;
     }
     return true;
@@ -207,13 +215,17 @@ std::optional<std::string> numberRefusal(const std::string& text) {
 
 std::optional<std::string> oldTextRefusal(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    const std::string text((std::istreambuf_iterator<char>(file)),
-                           std::istreambuf_iterator<char>());
+    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    blankQuoted(text);
+    if (!hasPlainLetters(text))
+        return "a letter that belongs into quotes stands outside";
     std::size_t depth = 0;
     for (std::size_t place = text.find_first_of("{}"); place != std::string::npos;
          place = text.find_first_of("{}", place + 1)) {
         if (text[place] == '}') {
-            depth -= depth > 0 ? 1 : 0;
+            if (depth == 0)
+                return "an end belongs to no block";
+            --depth;
             continue;
         }
         if (++depth > deepestBracket)
@@ -227,8 +239,9 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
         if (hasEndlessTimes(text, place))
             return "a sequence has something else than times";
     }
-    if (!areBracketsPaired(text))
-        return "a block has no end, or an end no block";
+    // Some readers take a word where the file ends that there is not.
+    if (depth > 0)
+        return "a block has no end";
     return numberRefusal(text);
 }
 

@@ -125,6 +125,7 @@ TEST_F(ContentLookTest, OldTextTimesThatAreNoneAreRefused) {
     };
     EXPECT_TRUE(isOldTextFine(sequence("0.5 1\n 2e-1")));
     EXPECT_TRUE(isOldTextFine(sequence("")));
+    EXPECT_TRUE(isOldTextFine("Sequence {\n frameTime { 0.5 1.0}\n}\n"));
     for (const char* times : {"0.5 soon 1", "\"0.5\"", "{ 1 }", "nan", "0.5 1}x"})
         EXPECT_FALSE(isOldTextFine(sequence(times))) << times;
     EXPECT_FALSE(isOldTextFine("frameTime {\n 0.5"));
@@ -134,6 +135,20 @@ TEST_F(ContentLookTest, OldTextShapeOfAbsurdDetailIsRefused) {
     EXPECT_TRUE(isOldTextFine("TessellationHints {\n detailRatio 2.5\n}\n"));
     for (const char* ratio : {"50000", "nan", "-1", "inf"})
         EXPECT_FALSE(isOldTextFine(std::string("detailRatio ") + ratio + "\n")) << ratio;
+}
+
+TEST_F(ContentLookTest, OldTextOfOtherLettersIsRefusedOutsideQuotes) {
+    EXPECT_TRUE(isOldTextFine("Group {\n name \"Br\xc3\xbc"
+                              "cke\"\n}\n"));
+    for (const std::string& word : {std::string("textureUnit\0", 12), std::string("a\xfc"),
+                                    std::string("a\xc3\xbc"), std::string("a\x1a")})
+        EXPECT_FALSE(isOldTextFine("Group {\n " + word + " 1\n}\n")) << word;
+}
+
+TEST_F(ContentLookTest, OldTextNamesMayLookLikeNumbersOfTheFormat) {
+    for (const char* name :
+         {"\"textureUnit -1\"", "'detailRatio 99'", "mytextureUnit", "textureUnits"})
+        EXPECT_TRUE(isOldTextFine(std::string("Group {\n name ") + name + " -1\n}\n")) << name;
 }
 
 TEST_F(ContentLookTest, OldTextPictureOnAnAbsurdUnitIsRefused) {

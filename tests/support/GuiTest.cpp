@@ -28,7 +28,8 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr auto pause = std::chrono::milliseconds(2);
-constexpr int fileDialogTries = 2000;
+/// As many as take half a minute: a busy machine lists the folder slowly.
+constexpr int fileDialogTries = 15000;
 /// No server listens at the first port of this machine, which is told at once.
 const TipServer noTipServer{"127.0.0.1", 1};
 constexpr const char* childVariable = "ORBISK_TEST_CHILD";

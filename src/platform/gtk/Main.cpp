@@ -77,7 +77,8 @@ private:
     void (*m_destroy)(void* widget) = nullptr;
 };
 
-bool isToolkitStarted = false;
+/// Whether the toolkit was told here all that it is to be told before it starts.
+bool isToolkitPrepared = false;
 
 /// Who gives options wants a text or a picture; what follows `--` is none.
 bool wantsWindow(int argc, char** argv) {
@@ -103,16 +104,21 @@ void* openProgram() {
     return dlopen(file, RTLD_LAZY | RTLD_GLOBAL);
 }
 
-ProgramEntry loadProgram() {
+void* findEntry() {
     void* program = openProgram();
-    void* entry = program ? dlsym(program, entryName) : nullptr;
+    return program ? dlsym(program, entryName) : nullptr;
+}
+
+/// For a thread, which leaves it to the main one to end the process.
+void* findEntryOnThread(void*) {
+    return findEntry();
+}
+
+ProgramEntry loadProgram() {
+    void* entry = findEntry();
     if (!entry)
         fail(dlerror());
     return reinterpret_cast<ProgramEntry>(entry);
-}
-
-void* loadProgramOnThread(void*) {
-    return reinterpret_cast<void*>(loadProgram());
 }
 
 /// Where the toolkit cannot be started, the program will find that out for itself and report it.
@@ -121,23 +127,24 @@ ProgramEntry startToolkitAndLoadProgram(int argc, char** argv) {
     if (!toolkit.isThere())
         return loadProgram();
     toolkit.disableSetlocale();
-    isToolkitStarted = toolkit.start(argc, argv);
+    isToolkitPrepared = true;
+    const bool isStarted = toolkit.start(argc, argv);
     // Not sooner: the toolkit's start looks at the libraries that are there, and would wait.
     pthread_t loading{};
-    if (!isToolkitStarted || pthread_create(&loading, nullptr, loadProgramOnThread, nullptr) != 0)
+    if (!isStarted || pthread_create(&loading, nullptr, findEntryOnThread, nullptr) != 0)
         return loadProgram();
     toolkit.readTheme();
-    void* program = nullptr;
-    pthread_join(loading, &program);
-    return reinterpret_cast<ProgramEntry>(program);
+    void* entry = nullptr;
+    pthread_join(loading, &entry);
+    return entry ? reinterpret_cast<ProgramEntry>(entry) : loadProgram();
 }
 
 } // namespace
 
 /// The program's windows library calls this before it starts the toolkit, which would warn that it
-/// comes too late where the toolkit has been started here.
+/// comes too late where its start was tried here.
 extern "C" __attribute__((visibility("default"))) void gtk_disable_setlocale() {
-    const Toolkit toolkit(isToolkitStarted ? nullptr : dlopen(toolkitName, RTLD_LAZY));
+    const Toolkit toolkit(isToolkitPrepared ? nullptr : dlopen(toolkitName, RTLD_LAZY));
     if (toolkit.isThere())
         toolkit.disableSetlocale();
 }
