@@ -266,6 +266,8 @@ void OrbiskFrame::createOSGViewer() {
 void OrbiskFrame::onSize(wxSizeEvent& event) {
     event.Skip();
     stretchToolBar();
+    // Any later layout would give the bar its former width.
+    m_docking.Update();
 }
 
 void OrbiskFrame::stretchToolBar() {

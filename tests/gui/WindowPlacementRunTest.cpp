@@ -1,8 +1,10 @@
 #include "support/GuiTest.h"
 #include "support/LogCapture.h"
+#include "support/Screen.h"
 #include "support/TestModels.h"
 #include "view/OSGCanvas.h"
 
+#include <wx/aui/auibar.h>
 #include <wx/utils.h>
 
 namespace orbisk::test {
@@ -49,6 +51,19 @@ TEST_F(WindowPlacementRunTest, NearlyTheWholeScreenIsMaximised) {
     writeRect(5, 5, display.x * 97 / 100, display.y * 97 / 100);
     start();
     EXPECT_TRUE(runUntil([] { return frame()->IsMaximized(); }));
+}
+
+TEST_F(WindowPlacementRunTest, MaximisedFrameShowsTheToolsToTheLast) {
+    const wxSize display = wxGetDisplaySize();
+    writeRect(5, 5, display.x, display.y);
+    start();
+    ASSERT_TRUE(runUntil([] { return frame()->IsMaximized(); }));
+    runFor(0.5);
+    wxAuiToolBar& bar = *frame()->bars().toolBar();
+    wxRect lastTool = bar.GetToolRect(frame()->bars().toolId(Command::Tips));
+    lastTool.SetPosition(bar.ClientToScreen(lastTool.GetPosition()));
+    // The bar itself has but a few grays.
+    EXPECT_GT(Screen().colours(lastTool).size(), 60u);
 }
 
 TEST_F(WindowPlacementRunTest, WithoutSettingsTheProgramStartsMaximisedInChinese) {
