@@ -266,8 +266,6 @@ void OrbiskFrame::createOSGViewer() {
 void OrbiskFrame::onSize(wxSizeEvent& event) {
     event.Skip();
     stretchToolBar();
-    // Any later layout would give the bar its former width.
-    m_docking.Update();
 }
 
 void OrbiskFrame::stretchToolBar() {
@@ -279,6 +277,9 @@ void OrbiskFrame::stretchToolBar() {
     // The docking manager may have given this very size already, without a layout.
     panel->Layout();
     m_docking.GetPane(toolBarPane).BestSize(size);
+    // The manager takes the best size at its next update; a layout before would undo this one.
+    if (wxSizer* row = panel->GetContainingSizer())
+        row->SetItemMinSize(panel, size);
 }
 
 void OrbiskFrame::onIdle(wxIdleEvent& event) {
