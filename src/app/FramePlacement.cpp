@@ -12,6 +12,13 @@ namespace orbisk {
 
 namespace {
 
+/// What a frame that fills the display is made when it no longer is to: three quarters of it.
+wxRect smallerThan(const wxSize& display) {
+    constexpr int quarters = 4;
+    const wxSize size(3 * display.x / quarters, 3 * display.y / quarters);
+    return {wxPoint((display.x - size.x) / 2, (display.y - size.y) / 2), size};
+}
+
 /// Moves the frame even where it believes to stand already: the window manager may know better.
 void moveTo(wxFrame& frame, const wxPoint& position) {
     frame.Move(position + wxPoint(1, 0));
@@ -22,8 +29,10 @@ void moveTo(wxFrame& frame, const wxPoint& position) {
 
 void restorePlacement(wxFrame& frame, const WindowRect& saved) {
     const wxSize display = wxGetDisplaySize();
-    if (opensMaximised(saved, {display.x, display.y}))
-        return frame.Maximize();
+    if (opensMaximised(saved, {display.x, display.y})) {
+        frame.SetSize(smallerThan(display));
+        return platform::maximise(frame);
+    }
     const wxPoint position(saved.x, saved.y);
     frame.SetSize(saved.x, saved.y, saved.w, saved.h, wxSIZE_USE_EXISTING);
     const auto again = std::make_shared<bool>(true);

@@ -146,6 +146,18 @@ TEST_F(ProgramTest, WindowManagersCloseEndsItAndSavesTheSettings) {
     EXPECT_EQ(child.errorOutput().find("WARNING"), std::string::npos) << child.errorOutput();
 }
 
+TEST_F(ProgramTest, FirstStartGivesTheToolkitNothingToComplainOf) {
+    ChildProcess child(program());
+    const Screen screen;
+    ASSERT_TRUE(waitForWindow(screen, "Kelvane"));
+    ASSERT_TRUE(runUntil([&] {
+        screen.closeWindow("Kelvane");
+        return !child.isRunning();
+    }));
+    EXPECT_EQ(child.wait(), 0);
+    EXPECT_EQ(child.errorOutput().find("CRITICAL"), std::string::npos) << child.errorOutput();
+}
+
 TEST_F(ProgramTest, KeepsTheNamesOfModelsWhereTheSystemKnowsOnlyAscii) {
     writePlace();
     for (const char* name : {"模型.osgb", "second.osgb"}) {

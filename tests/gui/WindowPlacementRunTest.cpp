@@ -66,6 +66,21 @@ TEST_F(WindowPlacementRunTest, MaximisedFrameShowsTheToolsToTheLast) {
     EXPECT_GT(Screen().colours(lastTool).size(), 60u);
 }
 
+TEST_F(WindowPlacementRunTest, MaximisedFrameHasASizeToGoBackTo) {
+    const wxSize display = wxGetDisplaySize();
+    writeRect(5, 5, display.x, display.y);
+    start();
+    ASSERT_TRUE(runUntil([] { return frame()->IsMaximized(); }));
+    frame()->Maximize(false);
+    ASSERT_TRUE(runUntil([&] { return frame()->GetSize().x < display.x; }));
+    runFor(0.3);
+    const wxRect rect = frame()->GetRect();
+    EXPECT_NEAR(rect.width, 0.75 * display.x, 0.05 * display.x);
+    EXPECT_NEAR(rect.height, 0.75 * display.y, 0.05 * display.y);
+    EXPECT_NEAR(rect.x, 0.125 * display.x, 0.05 * display.x);
+    EXPECT_NEAR(rect.y, 0.125 * display.y, 0.05 * display.y);
+}
+
 TEST_F(WindowPlacementRunTest, WithoutSettingsTheProgramStartsMaximisedInChinese) {
     ASSERT_TRUE(wxTheApp->CallOnInit());
     EXPECT_TRUE(runUntil([] { return frame()->IsShownOnScreen() && frame()->IsMaximized(); }));

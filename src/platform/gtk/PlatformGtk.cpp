@@ -27,6 +27,7 @@ struct _AtkObject; // NOLINT(bugprone-reserved-identifier)
 void gtk_menu_popdown(_GtkMenu* menu);
 _AtkObject* gtk_widget_get_accessible(WXWidget widget);
 void atk_object_set_name(_AtkObject* object, const char* name);
+void gtk_widget_realize(WXWidget widget);
 void gtk_window_get_position(_GtkWindow* window, int* x, int* y);
 }
 
@@ -172,6 +173,13 @@ void leaveGraphicsContext() {
 
 double pixelsPerUnit(const wxWindow& window) {
     return window.GetContentScaleFactor();
+}
+
+void maximise(wxFrame& frame) {
+    // Without a window of its own yet, a maximised frame gets one of two pixels by one, which is
+    // what the window manager gives back to it when it is no longer to be maximised.
+    gtk_widget_realize(frame.GetHandle());
+    frame.Maximize();
 }
 
 wxPoint positionOnScreen(const wxFrame& frame) {

@@ -117,6 +117,10 @@ double pixelsPerUnit(const wxWindow&) {
     return 1.0;
 }
 
+void maximise(wxFrame& frame) {
+    frame.Maximize();
+}
+
 wxPoint positionOnScreen(const wxFrame& frame) {
     return frame.GetPosition();
 }
