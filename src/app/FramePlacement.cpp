@@ -31,7 +31,7 @@ void restorePlacement(wxFrame& frame, const WindowRect& saved) {
     const wxSize display = wxGetDisplaySize();
     if (opensMaximised(saved, {display.x, display.y})) {
         frame.SetSize(smallerThan(display));
-        return platform::maximise(frame);
+        return frame.Maximize();
     }
     const wxPoint position(saved.x, saved.y);
     frame.SetSize(saved.x, saved.y, saved.w, saved.h, wxSIZE_USE_EXISTING);

@@ -57,7 +57,7 @@ bool OrbiskApp::OnInit() {
     wxInitAllImageHandlers();
     auto* frame = new OrbiskFrame(nullptr, wxID_ANY);
     frame->openOnceSeen(std::exchange(modelAtStart(), wxString()));
-    frame->Show(true);
+    platform::show(*frame);
     SetTopWindow(frame);
     return true;
 }

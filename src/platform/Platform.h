@@ -74,9 +74,9 @@ void leaveGraphicsContext();
 /// Physical pixels to a unit of the toolkit's window coordinates (mouse positions, client sizes).
 double pixelsPerUnit(const wxWindow& window);
 
-/// Has a frame that is not shown yet appear maximised. The size that it was given before stays the
-/// one that it has when it is no longer to be maximised.
-void maximise(wxFrame& frame);
+/// Shows a frame for the first time, at once where it was placed and in its size. A maximised one
+/// goes back to these.
+void show(wxFrame& frame);
 
 /// Upper left corner of a shown frame with its decorations, on the screen.
 wxPoint positionOnScreen(const wxFrame& frame);

@@ -92,6 +92,15 @@ unsigned long Screen::windowOf(const std::string& title) const {
     return 0;
 }
 
+wxSize Screen::sizeOf(const std::string& title) const {
+    const auto former = XSetErrorHandler(ignoreError);
+    XWindowAttributes attributes{};
+    if (const Window window = windowOf(title); window != 0)
+        XGetWindowAttributes(m_display, window, &attributes);
+    XSetErrorHandler(former);
+    return {attributes.width, attributes.height};
+}
+
 bool Screen::closeWindow(const std::string& title) const {
     const Window window = windowOf(title);
     if (window == 0)

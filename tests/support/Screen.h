@@ -25,6 +25,10 @@ public:
     /// Titles of the top-level windows that the window manager looks after.
     std::vector<std::string> titles() const;
 
+    /// Size of the window of this title without its decorations (physical pixels); zero without
+    /// one.
+    wxSize sizeOf(const std::string& title) const;
+
     /// Asks the window manager to close the window of this title, as its close button does.
     /// @return whether there is one.
     bool closeWindow(const std::string& title) const;

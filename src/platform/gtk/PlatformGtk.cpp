@@ -21,13 +21,16 @@
 
 // What is wanted of GTK itself, which the toolkit brings along without its headers.
 extern "C" {
+struct _GdkWindow; // NOLINT(bugprone-reserved-identifier)
 struct _GtkMenu;   // NOLINT(bugprone-reserved-identifier)
 struct _GtkWindow; // NOLINT(bugprone-reserved-identifier)
 struct _AtkObject; // NOLINT(bugprone-reserved-identifier)
 void gtk_menu_popdown(_GtkMenu* menu);
 _AtkObject* gtk_widget_get_accessible(WXWidget widget);
 void atk_object_set_name(_AtkObject* object, const char* name);
-void gtk_widget_realize(WXWidget widget);
+_GdkWindow* gtk_widget_get_window(WXWidget widget);
+int gdk_window_is_visible(_GdkWindow* window);
+void gdk_window_move_resize(_GdkWindow* window, int x, int y, int width, int height);
 void gtk_window_get_position(_GtkWindow* window, int* x, int* y);
 }
 
@@ -175,11 +178,15 @@ double pixelsPerUnit(const wxWindow& window) {
     return window.GetContentScaleFactor();
 }
 
-void maximise(wxFrame& frame) {
-    // Without a window of its own yet, a maximised frame gets one of two pixels by one, which is
-    // what the window manager gives back to it when it is no longer to be maximised.
-    gtk_widget_realize(frame.GetHandle());
-    frame.Maximize();
+void show(wxFrame& frame) {
+    frame.Show();
+    // The toolkit asks for the width of the decorations first, and has made a window of two pixels
+    // by one to ask with. It would be seen, and be what a maximised frame goes back to.
+    _GdkWindow* window = gtk_widget_get_window(frame.GetHandle());
+    if (!window || gdk_window_is_visible(window))
+        return;
+    const wxRect rect = frame.GetRect();
+    gdk_window_move_resize(window, rect.x, rect.y, rect.width, rect.height);
 }
 
 wxPoint positionOnScreen(const wxFrame& frame) {

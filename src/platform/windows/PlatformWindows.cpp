@@ -117,8 +117,8 @@ double pixelsPerUnit(const wxWindow&) {
     return 1.0;
 }
 
-void maximise(wxFrame& frame) {
-    frame.Maximize();
+void show(wxFrame& frame) {
+    frame.Show();
 }
 
 wxPoint positionOnScreen(const wxFrame& frame) {
