@@ -22,6 +22,7 @@
 #include <osgDB/WriteFile>
 #include <osgTerrain/TerrainTile>
 #include <osgText/Text>
+#include <zlib.h>
 
 #include <cstdint>
 #include <string>
@@ -85,6 +86,18 @@ std::string groupFile(std::uint32_t version, bool turned,
     whole(0xffffffff);
     whole(0);
     return bytes.bytes();
+}
+
+/// A packed file of a group and of zeros behind it, which nobody reads.
+std::string packedFile(std::size_t zeros) {
+    const std::string content = groupFile(45, false).substr(12) + std::string(zeros, '\0');
+    uLongf size = compressBound(content.size());
+    std::string packed(size, '\0');
+    EXPECT_EQ(compress(reinterpret_cast<Bytef*>(packed.data()), &size,
+                       reinterpret_cast<const Bytef*>(content.data()), content.size()),
+              Z_OK);
+    const auto largestPiece = static_cast<std::uint32_t>(content.size());
+    return bytesOf<std::uint32_t>({0x01020304, 45, 1, largestPiece}) + packed.substr(0, size);
 }
 
 class IveLookTest : public testing::Test {
@@ -159,6 +172,16 @@ TEST_F(IveLookTest, PackedFilesAreUnpackedAndLookedAt) {
     EXPECT_EQ(outcomeOf(packed.substr(0, packed.size() / 2)), "refused");
 }
 
+TEST_F(IveLookTest, SmallFileThatUnpacksToFarMoreIsRefused) {
+    const std::string good = packedFile(std::size_t(1) << 20);
+    EXPECT_TRUE(unpackedIve(good));
+    EXPECT_EQ(outcomeOf(good), "looked at");
+    const std::string bad = packedFile(std::size_t(300) << 20);
+    EXPECT_LT(bad.size(), std::size_t(1) << 20);
+    EXPECT_FALSE(unpackedIve(bad));
+    EXPECT_EQ(outcomeOf(bad), "refused");
+}
+
 TEST_F(IveLookTest, BillboardOfMorePositionsThanDrawablesIsRefused) {
     const osg::ref_ptr<osg::Billboard> model = new osg::Billboard;
     model->addDrawable(makeQuad(), markedPlace);
@@ -193,6 +216,22 @@ TEST_F(IveLookTest, HeightLayerOfAnotherAreaThanItsHeightsIsRefused) {
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({65536, 65536}) + origin));
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({7, 12}) + origin));
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({77, 1}) + origin));
+}
+
+TEST_F(IveLookTest, HeightLayerOfOneHeightIsNoLargerThanAModelMayBe) {
+    const osg::ref_ptr<osg::HeightField> field = new osg::HeightField;
+    field->allocate(7, 11);
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    tile->setElevationLayer(new osgTerrain::HeightFieldLayer(field));
+    const std::string small = iveFile(*tile);
+    // A field of any size takes as few bytes.
+    const auto ofSide = [&](std::uint32_t side) {
+        return replaced(
+            replaced(small, bytesOf<std::uint32_t>({7, 11}), bytesOf<std::uint32_t>({side, side})),
+            bytesOf<std::uint32_t>({7 * 11}), bytesOf<std::uint32_t>({side * side}));
+    };
+    EXPECT_TRUE(isFine(ofSide(2048)));
+    EXPECT_FALSE(isFine(ofSide(2049)));
 }
 
 TEST_F(IveLookTest, ShapesAreReadToTheirEnds) {
