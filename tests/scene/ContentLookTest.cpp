@@ -54,7 +54,8 @@ TEST_F(ContentLookTest, OldTextListLongerThanTheFileIsRefused) {
 }
 
 TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
-    EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1^ 2\n }\n"));
+    for (const char* name : {"DrawElementsUByte", "DrawElementsUShort", "DrawElementsUInt"})
+        EXPECT_FALSE(isOldTextFine(std::string(name) + " TRIANGLES 3 {\n 0 1^ 2\n }\n")) << name;
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt\nTRIANGLES\n1 3\n{\n 0 1^ 2\n }\n"));
     EXPECT_TRUE(isOldTextFine("ShapeDrawable {\n Sphere {\n Radius 1\n }\n}\n"));
@@ -94,6 +95,7 @@ TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
     EXPECT_FALSE(isOldTextFine(field("2 3", "{ 0 1 2 3 4 } 5 6 7 8")));
     EXPECT_FALSE(isOldTextFine(field("2 3", "0\"\"1 1 2 3 4 5")));
     EXPECT_FALSE(isOldTextFine("HeightField {\n NumColumnsAndRows 2 1\n}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n NumColumnsAndRows 2 2 Heights 9 0 1 2 3\n}\n"));
 }
 
 TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
