@@ -329,6 +329,18 @@ TEST_F(IveLookTest, OldUniformThatTheReaderHasNoPlaceForIsRefused) {
     EXPECT_FALSE(isFine(good.substr(0, good.size() - 1)));
 }
 
+TEST_F(IveLookTest, UniformOfMoreElementsThanNumbersIsRefused) {
+    const osg::ref_ptr<osg::Geode> model = makeQuadGeode();
+    model->getOrCreateStateSet()->addUniform(
+        new osg::Uniform(osg::Uniform::FLOAT_VEC4, "several", 5));
+    const std::string good = iveFile(*model);
+    const auto ofElements = [&](std::uint32_t count) {
+        return replaced(good, bytesOf<std::uint32_t>({osg::Uniform::FLOAT_VEC4, 5}),
+                        bytesOf<std::uint32_t>({osg::Uniform::FLOAT_VEC4, count}));
+    };
+    expectRefused(ofElements(5), ofElements(21));
+}
+
 TEST_F(IveLookTest, CountsBeyondTheFileAreRefused) {
     const osg::ref_ptr<osg::Geode> model = new osg::Geode;
     const osg::ref_ptr<osg::Geometry> geometry = makeQuad();
