@@ -22,8 +22,10 @@ void NestedLoop::endAllThen(std::function<void()> action) {
         return;
     }
     waiting().push_back(std::move(action));
+    // A loop that was told to end runs on for a moment, and a dialog must be told but once.
     for (auto loop = running().rbegin(); loop != running().rend(); ++loop)
-        (*loop)->m_end();
+        if (const auto end = std::exchange((*loop)->m_end, nullptr))
+            end();
 }
 
 std::vector<NestedLoop*>& NestedLoop::running() {

@@ -9,7 +9,7 @@ namespace orbisk {
 /// work then, below that loop, and must not be deleted. Main thread.
 class NestedLoop {
 public:
-    /// @param end makes the loop end soon, as if the user had turned away.
+    /// @param end makes the loop end soon, as if the user had turned away. Called once at most.
     explicit NestedLoop(std::function<void()> end);
 
     /// The loop has ended.

@@ -19,6 +19,9 @@ namespace {
 constexpr std::size_t deepestBracket = 1200;
 constexpr std::size_t longestNumber = 18; ///< digits that fit into 64 bits
 
+constexpr const char* areaName = "NumColumnsAndRows";
+constexpr const char* heightsName = "Heights";
+
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -77,15 +80,78 @@ std::optional<unsigned long long> countBefore(const std::string& text, std::size
     return count;
 }
 
+constexpr const char* blanks = " \t\r\n";
+constexpr const char* wordEnds = " \t\r\n{}\"";
+
+/// The words from `place` on, one after the other; a bracket and a quote are words of their own.
+std::vector<std::string> wordsFrom(const std::string& text, std::size_t place, std::size_t count) {
+    std::vector<std::string> words;
+    while (words.size() < count) {
+        const std::size_t begin = text.find_first_not_of(blanks, place);
+        if (begin == std::string::npos)
+            break;
+        place = std::min(text.find_first_of(wordEnds, begin), text.size());
+        place = std::max(place, begin + 1);
+        words.push_back(text.substr(begin, place - begin));
+    }
+    return words;
+}
+
+/// The words before `end`, the last one first, as far as there is no bracket or quote among them.
+std::vector<std::string> wordsBefore(const std::string& text, std::size_t end, std::size_t count) {
+    std::vector<std::string> words;
+    while (words.size() < count) {
+        const std::size_t last =
+            end == 0 ? std::string::npos : text.find_last_not_of(blanks, end - 1);
+        if (last == std::string::npos || std::strchr("{}\"", text[last]))
+            break;
+        const std::size_t before = text.find_last_of(wordEnds, last);
+        end = before == std::string::npos ? 0 : before + 1;
+        words.push_back(text.substr(end, last + 1 - end));
+    }
+    return words;
+}
+
+std::string wordBefore(const std::string& text, std::size_t bracket) {
+    const std::vector<std::string> words = wordsBefore(text, bracket, 1);
+    return words.empty() ? "" : words.front();
+}
+
+/// Where the word `name` stands.
+std::vector<std::size_t> placesOf(const std::string& name, const std::string& text) {
+    std::vector<std::size_t> places;
+    for (std::size_t place = text.find(name); place != std::string::npos;
+         place = text.find(name, place + 1)) {
+        const bool isBegin = place == 0 || std::strchr(wordEnds, text[place - 1]);
+        const std::size_t end = place + name.size();
+        if (isBegin && (end == text.size() || std::strchr(wordEnds, text[end])))
+            places.push_back(place);
+    }
+    return places;
+}
+
+bool isNumber(const std::string& word) {
+    const auto kind = osgDB::Field::calculateFieldType(word.c_str());
+    return kind == osgDB::Field::INTEGER || kind == osgDB::Field::REAL;
+}
+
+bool isWholeNumber(const std::string& word) {
+    return osgDB::Field::calculateFieldType(word.c_str()) == osgDB::Field::INTEGER;
+}
+
+bool isMark(const std::string& word) {
+    return word == "{" || word == "}" || word == "\"";
+}
+
 /// Whether the block at `bracket` holds the indices or lengths of a primitive set.
 bool holdsPrimitives(const std::string& text, std::size_t bracket) {
-    // The bracket stands behind the name or on the next line.
-    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
-    if (last == std::string::npos)
-        return false;
-    const std::size_t end = text.rfind('\n', last);
-    const std::size_t name = text.find("Draw", end == std::string::npos ? 0 : end);
-    return name != std::string::npos && name < last;
+    // A name, a mode and up to three numbers stand before it.
+    constexpr std::size_t most = 5;
+    const std::vector<std::string> words = wordsBefore(text, bracket, most);
+    return std::any_of(words.begin(), words.end(), [](const std::string& word) {
+        return word == "DrawArrayLengths" || word == "DrawElementsUByte" ||
+               word == "DrawElementsUShort" || word == "DrawElementsUInt";
+    });
 }
 
 bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {
@@ -93,81 +159,70 @@ bool hasOnlyNumbers(const std::string& text, std::size_t bracket) {
     return end != std::string::npos && text[end] == '}';
 }
 
-constexpr const char* blanks = " \t\r\n";
-
-/// The words from `place` on, one after the other; a bracket is a word of its own.
-std::vector<std::string> wordsFrom(const std::string& text, std::size_t place, std::size_t count) {
-    std::vector<std::string> words;
-    while (words.size() < count) {
-        const std::size_t begin = text.find_first_not_of(blanks, place);
-        if (begin == std::string::npos)
-            break;
-        place = std::min(text.find_first_of(" \t\r\n{}", begin), text.size());
-        place = std::max(place, begin + 1);
-        words.push_back(text.substr(begin, place - begin));
-    }
-    return words;
-}
-
-/// Whether the heights of the field whose area stands at `place` are as many as that, in brackets.
-bool hasItsHeights(const std::string& text, std::size_t place) {
+/// Whether the height field whose area stands at `place` is one: with room for heights, and, where
+/// they follow, with as many as that.
+bool isHeightField(const std::string& text, std::size_t place) {
     constexpr std::uint64_t fewest = 2;
-    const std::vector<std::string> sides = wordsFrom(text, place, 2);
-    if (sides.size() < 2)
+    constexpr std::size_t head = 5; // the area, its sides, the name of the heights and a bracket
+    std::vector<std::string> words = wordsFrom(text, place, head);
+    words.resize(head);
+    if (!isWholeNumber(words[1]) || !isWholeNumber(words[2]))
         return false;
-    const std::uint64_t columns = std::strtoul(sides[0].c_str(), nullptr, 0);
-    const std::uint64_t rows = std::strtoul(sides[1].c_str(), nullptr, 0);
+    const std::uint64_t columns = std::strtoul(words[1].c_str(), nullptr, 0);
+    const std::uint64_t rows = std::strtoul(words[2].c_str(), nullptr, 0);
     if (columns < fewest || rows < fewest || columns > text.size() || rows > text.size() ||
         columns * rows > text.size())
         return false;
-    const std::size_t heights = text.find("Heights", place);
-    if (heights == std::string::npos)
+    if (words[3] != heightsName)
         return true;
-    const std::vector<std::string> words = wordsFrom(text, heights, columns * rows + 3);
-    return words.size() == columns * rows + 3 && words[1] == "{" &&
-           std::find(words.begin(), words.end(), "}") == words.end() - 1;
+    const std::size_t whole = head + columns * rows + 1;
+    words = wordsFrom(text, place, whole);
+    return words.size() == whole && words[4] == "{" && words.back() == "}" &&
+           std::none_of(words.begin() + head, words.end() - 1, isMark);
 }
 
-/// Whether heights stand behind an area each, which makes room for them.
-bool haveHeightsAreas(const std::string& text, const std::string& area) {
-    const std::string heights = "Heights";
-    std::size_t former = 0;
-    for (std::size_t place = text.find(heights); place != std::string::npos;
-         place = text.find(heights, former)) {
-        const std::size_t room = text.find(area, former);
-        if (room > place)
-            return false;
-        former = place + heights.size();
-    }
-    return true;
+/// Whether heights follow on an area each, which makes room for them.
+bool haveHeightsAreas(const std::string& text) {
+    const std::vector<std::size_t> heights = placesOf(heightsName, text);
+    return std::all_of(heights.begin(), heights.end(), [&](std::size_t place) {
+        const std::vector<std::string> words = wordsBefore(text, place, 3);
+        return words.size() == 3 && words.back() == areaName;
+    });
 }
 
-/// Whether the block at `bracket` is a matrix of more numbers than its reader has room for.
-bool isLargeMatrix(const std::string& text, std::size_t bracket) {
+/// Whether the block at `bracket`, in the one at `around`, is a matrix of more numbers than its
+/// reader has room for.
+bool isLargeMatrix(const std::string& text, std::size_t bracket,
+                   std::optional<std::size_t> around) {
     constexpr std::size_t most = 16;
-    constexpr std::string_view ending = "atrix";
-    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
-    if (last == std::string::npos || last + 1 < ending.size() ||
-        text.compare(last + 1 - ending.size(), ending.size(), ending) != 0)
+    constexpr std::string_view names[] = {"Matrix",
+                                          "PutMatrix",
+                                          "ProjectionMatrix",
+                                          "ViewMatrix",
+                                          "projectorMatrix",
+                                          "MatrixInSkeletonSpace",
+                                          "InvBindMatrixInSkeletonSpace"};
+    const std::string name = wordBefore(text, bracket);
+    const bool isLocators = name == "Transform" && around &&
+                            wordBefore(text, *around).find("Locator") != std::string::npos;
+    if (!isLocators && std::find(std::begin(names), std::end(names), name) == std::end(names))
         return false;
     const std::vector<std::string> words = wordsFrom(text, bracket + 1, most + 1);
-    return std::find(words.begin(), words.end(), "}") == words.end();
+    // Behind a block within it the numbers would go on.
+    const auto mark = std::find_if(words.begin(), words.end(), isMark);
+    return mark == words.end() || *mark != "}";
 }
 
 /// Whether the block at `bracket` holds the times of a sequence with something among them that is
 /// none, at which their reader stays for ever.
 bool hasEndlessTimes(const std::string& text, std::size_t bracket) {
-    constexpr std::string_view name = "frameTime";
-    const std::size_t last = text.find_last_not_of(" \t\r\n{", bracket);
-    if (last == std::string::npos || last + 1 < name.size() ||
-        text.compare(last + 1 - name.size(), name.size(), name) != 0)
+    if (wordBefore(text, bracket) != "frameTime")
         return false;
     for (std::size_t place = bracket + 1;;) {
         const std::vector<std::string> word = wordsFrom(text, place, 1);
         if (word.empty() || word[0] == "}")
-            return word.empty();
-        const auto kind = osgDB::Field::calculateFieldType(word[0].c_str());
-        if (kind != osgDB::Field::INTEGER && kind != osgDB::Field::REAL)
+            return false;
+        if (!isNumber(word[0]))
             return true;
         place = text.find(word[0], place) + word[0].size();
     }
@@ -176,27 +231,23 @@ bool hasEndlessTimes(const std::string& text, std::size_t bracket) {
 /// Whether the word behind each word `name` is as it should be; an empty one where there is none.
 template <typename Fine>
 bool allBehind(const std::string& text, const std::string& name, const Fine& isFine) {
-    for (std::size_t place = text.find(name); place != std::string::npos;
-         place = text.find(name, place + 1)) {
-        const bool isBegin = place == 0 || std::strchr(" \t\r\n{}\"", text[place - 1]);
+    const std::vector<std::size_t> places = placesOf(name, text);
+    return std::all_of(places.begin(), places.end(), [&](std::size_t place) {
         std::vector<std::string> words = wordsFrom(text, place, 2);
         words.resize(2);
-        if (isBegin && words[0] == name && !isFine(words[1]))
-            return false;
-    }
-    return true;
+        return isFine(words[1]);
+    });
 }
 
 std::optional<std::string> numberRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
     constexpr long long highestTextureUnit = 255;
-    const std::string area = "NumColumnsAndRows";
-    if (!haveHeightsAreas(text, area))
+    if (!haveHeightsAreas(text))
         return "a height field has heights without an area";
-    for (std::size_t place = text.find(area); place != std::string::npos;
-         place = text.find(area, place + 1))
-        if (!hasItsHeights(text, place + area.size()))
-            return "a height field has another number of heights than it says";
+    const std::vector<std::size_t> areas = placesOf(areaName, text);
+    if (!std::all_of(areas.begin(), areas.end(),
+                     [&](std::size_t place) { return isHeightField(text, place); }))
+        return "a height field has another number of heights than it says";
     if (!allBehind(text, "detailRatio", [](const std::string& ratio) {
             const double number = std::strtod(ratio.c_str(), nullptr);
             return number >= 0.0 && number <= highestDetail;
@@ -219,28 +270,30 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
     blankQuoted(text);
     if (!hasPlainLetters(text))
         return "a letter that belongs into quotes stands outside";
-    std::size_t depth = 0;
+    std::vector<std::size_t> blocks;
     for (std::size_t place = text.find_first_of("{}"); place != std::string::npos;
          place = text.find_first_of("{}", place + 1)) {
         if (text[place] == '}') {
-            if (depth == 0)
+            if (blocks.empty())
                 return "an end belongs to no block";
-            --depth;
+            blocks.pop_back();
             continue;
         }
-        if (++depth > deepestBracket)
+        const auto around = blocks.empty() ? std::nullopt : std::optional(blocks.back());
+        blocks.push_back(place);
+        if (blocks.size() > deepestBracket)
             return "objects are nested too deeply";
         if (countBefore(text, place).value_or(0) > text.size() - place)
             return "more elements are announced than the file has bytes";
         if (holdsPrimitives(text, place) && !hasOnlyNumbers(text, place))
             return "a primitive set has something else than numbers";
-        if (isLargeMatrix(text, place))
+        if (isLargeMatrix(text, place, around))
             return "a matrix has too many numbers";
         if (hasEndlessTimes(text, place))
             return "a sequence has something else than times";
     }
     // Some readers take a word where the file ends that there is not.
-    if (depth > 0)
+    if (!blocks.empty())
         return "a block has no end";
     return numberRefusal(text);
 }

@@ -1,287 +1,26 @@
 // Random polygons with integer coordinates, measured by the program and by a slow reference that
 // is exact on them.
 
-#include "core/PolygonReference.h"
+#include "core/PolygonDice.h"
 #include "measure/PolygonMeasure.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
-#include <random>
-#include <sstream>
 
 namespace orbisk::test {
 
 namespace {
 
-using Exact = PolygonReference<std::int64_t>;
-using Close = PolygonReference<long double>;
 using Place = Exact::Place;
 using Places = Exact::Places;
 using Measure = PolygonMeasure;
 
-/// A place in a plane's own coordinates.
-struct Flat {
-    int u;
-    int v;
-};
-using FlatPolygon = std::vector<Flat>;
-
-int turn(const Flat& a, const Flat& b, const Flat& c) {
-    return (b.u - a.u) * (c.v - a.v) - (b.v - a.v) * (c.u - a.u);
-}
-
-/// Twice the area, positive counterclockwise.
-int doubleArea(const FlatPolygon& polygon) {
-    int sum = 0;
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-        const Flat& a = polygon[i];
-        const Flat& b = polygon[(i + 1) % polygon.size()];
-        sum += a.u * b.v - a.v * b.u;
-    }
-    return sum;
-}
-
-bool isBetween(const Flat& a, const Flat& b, const Flat& c) {
-    return std::min(a.u, b.u) <= c.u && c.u <= std::max(a.u, b.u) && std::min(a.v, b.v) <= c.v &&
-           c.v <= std::max(a.v, b.v);
-}
-
-/// Whether two segments have a point in common; parallel ones need not.
-bool touch(const Flat& a, const Flat& b, const Flat& c, const Flat& d) {
-    const auto side = [](int value) { return (value > 0) - (value < 0); };
-    const int abc = side(turn(a, b, c));
-    const int abd = side(turn(a, b, d));
-    const int cda = side(turn(c, d, a));
-    const int cdb = side(turn(c, d, b));
-    if (abc * abd < 0 && cda * cdb < 0)
-        return true;
-    return (abc == 0 && isBetween(a, b, c)) || (abd == 0 && isBetween(a, b, d)) ||
-           (cda == 0 && isBetween(c, d, a)) || (cdb == 0 && isBetween(c, d, b));
-}
-
-/// Whether no edge touches another but its neighbours, and none turns back.
-bool isSimple(const FlatPolygon& polygon) {
-    const std::size_t n = polygon.size();
-    const auto vertex = [&](std::size_t i) { return polygon[i % n]; };
-    for (std::size_t i = 0; i < n; ++i) {
-        if (isBetween(vertex(i), vertex(i + 1), vertex(i + 2)) &&
-            turn(vertex(i), vertex(i + 1), vertex(i + 2)) == 0)
-            return false;
-        for (std::size_t j = i + 2; j < n; ++j)
-            if ((j + 1) % n != i && touch(vertex(i), vertex(i + 1), vertex(j), vertex(j + 1)))
-                return false;
-    }
-    return true;
-}
-
-/// Whether two counterclockwise triangles share no more than their borders: then the line along
-/// an edge of one of them keeps them apart.
-bool areApart(const Flat* a, const Flat* b) {
-    const auto keepsApart = [](const Flat* one, const Flat* other) {
-        for (int i = 0; i < 3; ++i)
-            if (std::all_of(other, other + 3, [&](const Flat& corner) {
-                    return turn(one[i], one[(i + 1) % 3], corner) <= 0;
-                }))
-                return true;
-        return false;
-    };
-    return keepsApart(a, b) || keepsApart(b, a);
-}
-
-/// A plane in space: where its coordinates begin, and its two axes.
-struct Plane {
-    Place origin;
-    Place u;
-    Place v;
-
-    Place at(const Flat& flat) const {
-        Place place = origin;
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            place[axis] += flat.u * u[axis] + flat.v * v[axis];
-        return place;
-    }
-
-    Places at(const FlatPolygon& polygon) const {
-        Places places;
-        for (const Flat& flat : polygon)
-            places.push_back(at(flat));
-        return places;
-    }
-
-    Place normal() const { return Exact::cross(u, v); }
-
-    /// How a counterclockwise polygon on it is taken: 1 adds, -1 subtracts, 0 needs a closer look.
-    int sense() const {
-        int sign = 1;
-        for (const std::int64_t component : normal())
-            sign *= (component > 0) - (component < 0);
-        return sign;
-    }
-};
-
-osg::Vec3d vectorOf(const Place& place) {
-    return osg::Vec3d(static_cast<double>(place[0]), static_cast<double>(place[1]),
-                      static_cast<double>(place[2]));
-}
-
-Measure::Polygon vectorsOf(const Places& places) {
-    Measure::Polygon vectors;
-    for (const Place& place : places)
-        vectors.push_back(vectorOf(place));
-    return vectors;
-}
-
-std::string described(const Places& places) {
-    std::ostringstream text;
-    for (const Place& place : places)
-        text << '(' << place[0] << ", " << place[1] << ", " << place[2] << ") ";
-    return text.str();
-}
-
-/// Draws numbers, places and polygons; the same ones in every run and on every machine.
-class Dice {
-public:
-    int number(int low, int high) {
-        return low + static_cast<int>(m_bits() % static_cast<unsigned>(high - low + 1));
-    }
-
-    bool one(int outOf) { return number(1, outOf) == 1; }
-
-    Place place(int size) {
-        return {number(-size, size), number(-size, size), number(-size, size)};
-    }
-
-    Flat flat(int size) { return {number(-size, size), number(-size, size)}; }
-
-    /// A plane that isn't parallel to an axis.
-    Plane obliquePlane() {
-        Plane plane;
-        do
-            plane = {place(9), place(2), place(2)};
-        while (plane.sense() == 0);
-        return plane;
-    }
-
-    FlatPolygon scattered(int count, int size) {
-        FlatPolygon polygon;
-        for (int i = 0; i < count; ++i)
-            polygon.push_back(flat(size));
-        return polygon;
-    }
-
-    /// Simple, counterclockwise, in general concave, grown by pulling out one edge after the other.
-    FlatPolygon simple(int count, int size) {
-        FlatPolygon polygon;
-        do
-            polygon = scattered(3, size);
-        while (doubleArea(polygon) <= 0);
-        for (int tries = 0; static_cast<int>(polygon.size()) < count && tries < 20 * count;
-             ++tries) {
-            FlatPolygon grown = polygon;
-            grown.insert(grown.begin() + number(0, static_cast<int>(grown.size()) - 1), flat(size));
-            if (isSimple(grown) && doubleArea(grown) > 0)
-                polygon = grown;
-        }
-        return turned(polygon);
-    }
-
-    /// The corners of some places' convex hull, counterclockwise.
-    FlatPolygon convex(int count, int size) {
-        FlatPolygon places;
-        do
-            places = scattered(count, size);
-        while (std::all_of(places.begin(), places.end(), [&](const Flat& place) {
-            return turn(places[0], places[1], place) == 0;
-        }));
-        FlatPolygon hull;
-        Flat current =
-            *std::min_element(places.begin(), places.end(), [](const Flat& a, const Flat& b) {
-                return a.u != b.u ? a.u < b.u : a.v < b.v;
-            });
-        const Flat first = current;
-        do {
-            hull.push_back(current);
-            Flat next = current;
-            for (const Flat& place : places) {
-                const int side = turn(current, next, place);
-                if ((next.u == current.u && next.v == current.v) || side < 0 ||
-                    (side == 0 && isBetween(current, place, next)))
-                    next = place;
-            }
-            current = next;
-        } while (current.u != first.u || current.v != first.v);
-        return turned(hull);
-    }
-
-    /// The same polygon, beginning anywhere.
-    FlatPolygon turned(FlatPolygon polygon) {
-        std::rotate(polygon.begin(),
-                    polygon.begin() + number(0, static_cast<int>(polygon.size()) - 1),
-                    polygon.end());
-        return polygon;
-    }
-
-    /// Some places of the vertex list are repeated, or get a vertex in line with the last two.
-    void spoil(Places& places) {
-        const int count = number(1, 2);
-        for (int i = 0; i < count; ++i) {
-            // Mostly near the end, where it is looked for.
-            const std::size_t n = places.size();
-            const std::size_t where =
-                one(2) ? n : static_cast<std::size_t>(number(2, static_cast<int>(n)));
-            Place inserted = places[where - 1];
-            const int steps = number(-2, 3);
-            for (std::size_t axis = 0; axis < 3; ++axis)
-                inserted[axis] += steps * (places[where - 1][axis] - places[where - 2][axis]);
-            places.insert(places.begin() + static_cast<std::ptrdiff_t>(where), inserted);
-        }
-        if (one(3))
-            places.push_back(places.front());
-    }
-
-    /// A polygon of one of all kinds: convex, concave, crossing itself, nearly flat, scattered in
-    /// space, with repeated and collinear vertices.
-    Places polygon() {
-        const int count = number(3, 9);
-        const Plane plane = one(8) ? Plane{place(9), {1, 0, 0}, {0, 1, 0}} : obliquePlane();
-        Places places;
-        switch (number(0, 4)) {
-        case 0:
-            places = plane.at(convex(count, 6));
-            break;
-        case 1:
-            places = plane.at(simple(count, 6));
-            break;
-        case 2:
-            places = plane.at(scattered(count, number(2, 6)));
-            break;
-        case 3:
-            places = plane.at(simple(count, 6));
-            for (Place& each : places)
-                each[2] += number(-1, 1);
-            break;
-        default:
-            for (int i = 0; i < count; ++i)
-                places.push_back(place(4));
-        }
-        if (one(2))
-            std::reverse(places.begin(), places.end());
-        if (one(3))
-            spoil(places);
-        return places;
-    }
-
-private:
-    std::mt19937 m_bits{20260411};
-};
-
 } // namespace
 
 TEST(PolygonMeasurePropertyTest, TriplesAreClassifiedAsInExactArithmetic) {
-    Dice dice;
+    PolygonDice dice;
     Exact reference;
     std::array<int, 6> seen{};
     for (int i = 0; i < 40000; ++i) {
@@ -306,7 +45,7 @@ TEST(PolygonMeasurePropertyTest, TriplesAreClassifiedAsInExactArithmetic) {
 }
 
 TEST(PolygonMeasurePropertyTest, SegmentsMeetAsInExactArithmetic) {
-    Dice dice;
+    PolygonDice dice;
     Exact reference;
     int meeting = 0;
     const int cases = 40000;
@@ -329,25 +68,6 @@ TEST(PolygonMeasurePropertyTest, SegmentsMeetAsInExactArithmetic) {
     }
     EXPECT_GT(meeting, cases / 10);
     EXPECT_LT(meeting, cases / 2);
-}
-
-TEST(PolygonMeasurePropertyTest, PointsAreInTrianglesAsInExactArithmetic) {
-    Dice dice;
-    Exact reference;
-    int inside = 0;
-    const int cases = 20000;
-    for (int i = 0; i < cases; ++i) {
-        const Plane plane = dice.obliquePlane();
-        const Places places = plane.at(dice.scattered(4, 3));
-        const bool expected = reference.inside(places[0], places[1], places[2], places[3]);
-        inside += expected;
-        ASSERT_EQ(Measure::pointInTriangle(vectorOf(places[0]), vectorOf(places[1]),
-                                           vectorOf(places[2]), vectorOf(places[3])),
-                  expected)
-            << described(places);
-    }
-    EXPECT_GT(inside, cases / 10);
-    EXPECT_LT(inside, cases / 2);
 }
 
 namespace {
@@ -398,7 +118,7 @@ Equations normalEquations(const Places& places) {
 } // namespace
 
 TEST(PolygonMeasurePropertyTest, PlanesAreThoseOfIntegerElimination) {
-    Dice dice;
+    PolygonDice dice;
     int refused = 0;
     const int cases = 15000;
     for (int i = 0; i < cases; ++i) {
@@ -419,7 +139,7 @@ TEST(PolygonMeasurePropertyTest, PlanesAreThoseOfIntegerElimination) {
 }
 
 TEST(PolygonMeasurePropertyTest, PolygonsAreCleanedAsInExactArithmetic) {
-    Dice dice;
+    PolygonDice dice;
     int succeeded = 0;
     int shortened = 0;
     int closed = 0;
@@ -446,7 +166,7 @@ TEST(PolygonMeasurePropertyTest, PolygonsAreCleanedAsInExactArithmetic) {
 }
 
 TEST(PolygonMeasurePropertyTest, AreasAreThoseOfExactNormals) {
-    Dice dice;
+    PolygonDice dice;
     for (int i = 0; i < 30000; ++i) {
         const Places places = dice.polygon();
         Exact reference;
@@ -458,7 +178,7 @@ TEST(PolygonMeasurePropertyTest, AreasAreThoseOfExactNormals) {
 }
 
 TEST(PolygonMeasurePropertyTest, AreasOnAPlaneAreThoseOfItsCoordinates) {
-    Dice dice;
+    PolygonDice dice;
     for (int i = 0; i < 15000; ++i) {
         const Plane plane = dice.obliquePlane();
         FlatPolygon polygon =
@@ -475,86 +195,9 @@ TEST(PolygonMeasurePropertyTest, AreasOnAPlaneAreThoseOfItsCoordinates) {
     }
 }
 
-TEST(PolygonMeasurePropertyTest, EarsAreThoseOfLookingAtEveryCornerAnew) {
-    Dice dice;
-    int ended = 0;
-    const int cases = 25000;
-    for (int i = 0; i < cases; ++i) {
-        const Places places =
-            dice.one(50) ? dice.obliquePlane().at(dice.scattered(40, 30)) : dice.polygon();
-        const bool positive = dice.one(2);
-        Exact reference;
-        const auto expected = reference.triangulate(places, positive);
-        ended += expected.has_value();
-        const Measure::Polygon before = {osg::Vec3d(7, 7, 7)};
-        Measure::Polygon triangles = before;
-        ASSERT_EQ(Measure::triangulate(vectorsOf(places), positive, triangles),
-                  expected.has_value())
-            << described(places);
-        ASSERT_EQ(triangles, expected ? vectorsOf(*expected) : before) << described(places);
-    }
-    EXPECT_GT(ended, cases / 5);
-    EXPECT_LT(ended, cases);
-}
-
-TEST(PolygonMeasurePropertyTest, EarsOfLargePolygonsAreTheSameToo) {
-    Dice dice;
-    for (int i = 0; i < 60; ++i) {
-        const Plane plane = dice.obliquePlane();
-        const Places places = plane.at(dice.simple(60, 40));
-        Exact reference;
-        const auto expected = reference.triangulate(places, plane.sense() > 0);
-        Measure::Polygon triangles;
-        ASSERT_TRUE(expected) << described(places);
-        ASSERT_TRUE(Measure::triangulate(vectorsOf(places), plane.sense() > 0, triangles));
-        ASSERT_EQ(triangles, vectorsOf(*expected)) << described(places);
-    }
-}
-
-TEST(PolygonMeasurePropertyTest, TrianglesCoverASimplePolygonExactlyOnce) {
-    Dice dice;
-    const int cases = 6000;
-    int filled = 0;
-    for (int i = 0; i < cases; ++i) {
-        const Plane plane = dice.obliquePlane();
-        FlatPolygon polygon =
-            dice.one(3) ? dice.convex(dice.number(4, 12), 8) : dice.simple(dice.number(4, 12), 8);
-        const bool clockwise = dice.one(2);
-        if (clockwise)
-            std::reverse(polygon.begin(), polygon.end());
-        const Measure::Polygon places = vectorsOf(plane.at(polygon));
-        Measure::Polygon triangles;
-        const bool ended =
-            Measure::triangulate(places, (plane.sense() > 0) != clockwise, triangles);
-        ASSERT_TRUE(ended) << described(plane.at(polygon));
-        if (polygon.size() < 4)
-            continue;
-        ++filled;
-
-        FlatPolygon corners;
-        for (const osg::Vec3d& corner : triangles) {
-            const auto vertex = std::find(places.begin(), places.end(), corner);
-            ASSERT_NE(vertex, places.end());
-            corners.push_back(polygon[static_cast<std::size_t>(vertex - places.begin())]);
-        }
-        ASSERT_EQ(corners.size(), 3 * (polygon.size() - 2));
-        int sum = 0;
-        for (std::size_t a = 0; a < corners.size(); a += 3) {
-            // What turns positively in space may turn the other way in the plane's coordinates.
-            if (plane.sense() < 0)
-                std::swap(corners[a], corners[a + 1]);
-            const int size = turn(corners[a], corners[a + 1], corners[a + 2]);
-            ASSERT_GT(size, 0) << described(plane.at(polygon));
-            sum += size;
-            for (std::size_t b = 0; b < a; b += 3)
-                ASSERT_TRUE(areApart(&corners[a], &corners[b])) << described(plane.at(polygon));
-        }
-        ASSERT_EQ(sum, std::abs(doubleArea(polygon))) << described(plane.at(polygon));
-    }
-    EXPECT_GT(filled, cases * 8 / 10);
-}
-
 namespace {
+
+using Close = PolygonReference<long double>;
 
 /// The feet on the plane of integer elimination, in extended precision.
 std::optional<Close::Places> feetOf(const Places& places) {
@@ -586,7 +229,7 @@ std::optional<Close::Places> feetOf(const Places& places) {
 } // namespace
 
 TEST(PolygonMeasurePropertyTest, PickedAreasAreMeasuredAsInExtendedPrecision) {
-    Dice dice;
+    PolygonDice dice;
     int compared = 0;
     int accepted = 0;
     int filled = 0;

@@ -1,3 +1,4 @@
+#include "measure/PickDialog.h"
 #include "support/ChildProcess.h"
 #include "support/GuiTest.h"
 #include "support/Screen.h"
@@ -105,6 +106,24 @@ TEST_F(CloseDuringLoadTest, WindowManagersCloseOfTheProgressDialogDoesNotStopThe
     EXPECT_TRUE(frame()->loader().isLoading());
     openGate();
     EXPECT_TRUE(runUntil([] { return frame()->viewer().exists(); }));
+}
+
+TEST_F(CloseDuringLoadTest, FrameGoesOnlyAfterTheDialogThatIsOpenAtTheEndOfTheLoad) {
+    start();
+    load(writeTestModel());
+    choose(Command::MeasureTable);
+    frame()->openFile(writeSlowModel("gate.slow", "gate"));
+    ASSERT_TRUE(runUntil([] { return isReading(); }));
+    withNextDialog([](wxDialog& folders) {
+        frame()->Close();
+        openGate();
+        EXPECT_TRUE(runUntil([&] { return !folders.IsModal(); }));
+        // Below the dialog's loop the table still waits for its answer.
+        ASSERT_NE(frame(), nullptr);
+    });
+    pressSave(*frame()->measurementTable());
+    EXPECT_TRUE(runUntil([] { return frame() == nullptr; }));
+    EXPECT_EQ(modelsRead(), 1);
 }
 
 TEST_F(CloseDuringLoadTest, ClosedFrameStartsNoLoad) {

@@ -124,11 +124,16 @@ TEST_F(ProgramTest, UnknownOptionIsNamed) {
     EXPECT_NE(child.errorOutput().find("--nonsense"), std::string::npos) << child.errorOutput();
 }
 
-TEST_F(ProgramTest, SaysSoWithoutADisplay) {
-    ChildProcess child(program(), {{"DISPLAY", ""}, {"WAYLAND_DISPLAY", ""}});
-    EXPECT_GT(child.wait(), 0);
-    EXPECT_FALSE(child.errorOutput().empty());
-    EXPECT_FALSE(std::filesystem::exists("datafile.json"));
+TEST_F(ProgramTest, SaysInOneLineThatThereIsNoDisplay) {
+    for (const char* display : {"", ":4242"}) {
+        ChildProcess child(program(), {{"DISPLAY", display}, {"WAYLAND_DISPLAY", ""}});
+        EXPECT_GT(child.wait(), 0) << display;
+        const std::string errors = child.errorOutput();
+        EXPECT_NE(errors.find("DISPLAY"), std::string::npos) << errors;
+        EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+        EXPECT_EQ(child.output(), "");
+        EXPECT_FALSE(std::filesystem::exists("datafile.json"));
+    }
 }
 
 TEST_F(ProgramTest, WindowManagersCloseEndsItAndSavesTheSettings) {

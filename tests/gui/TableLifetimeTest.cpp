@@ -5,6 +5,7 @@
 #include "support/GuiTest.h"
 #include "support/Screen.h"
 #include "support/TestModels.h"
+#include "support/TestReader.h"
 #include "view/OSGCanvas.h"
 
 #include <wx/grid.h>
@@ -87,6 +88,20 @@ TEST_F(TableLifetimeTest, FrameMayGoWhileTheCanvasMenuIsOpen) {
     actWhileMenuIsOpen(*frame()->canvas(), onScreen(*frame()->canvas(), wxPoint() + size / 2),
                        [] { frame()->Close(true); });
     EXPECT_EQ(frame(), nullptr);
+}
+
+TEST_F(TableLifetimeTest, FrameMayGoAfterALoadWhileTheCanvasMenuIsOpen) {
+    start();
+    load(writeTestModel());
+    choose(Command::AutomaticRoam);
+    const wxSize size = frame()->canvas()->GetClientSize();
+    actWhileMenuIsOpen(*frame()->canvas(), onScreen(*frame()->canvas(), wxPoint() + size / 2), [] {
+        frame()->openFile(writeSlowModel("short.slow", "seconds 0.2"));
+        frame()->Close();
+        EXPECT_TRUE(frame()->loader().isLoading());
+    });
+    EXPECT_TRUE(runUntil([] { return frame() == nullptr; }));
+    EXPECT_EQ(modelsRead(), 1);
 }
 
 } // namespace orbisk::test

@@ -1,22 +1,16 @@
-#include "support/SceneTools.h"
+#include "support/CheckTest.h"
 #include "view/ModelCheck.h"
 
-#include <gtest/gtest.h>
 #include <osg/AnimationPath>
 #include <osg/MatrixTransform>
 #include <osgAnimation/BasicAnimationManager>
 #include <osgAnimation/Channel>
 
-#include <limits>
-
 namespace orbisk::test {
 
 namespace {
 
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double infinite = std::numeric_limits<double>::infinity();
-
-class AnimationCheckTest : public testing::Test {
+class AnimationCheckTest : public CheckTest {
 protected:
     /// Whether a model still follows a path through this point after the check.
     static bool staysMoving(double time, const osg::AnimationPath::ControlPoint& point) {
@@ -31,9 +25,14 @@ protected:
         EXPECT_EQ(checkModel(*model), std::nullopt);
         return moving->getAnimationPath() == path;
     }
-
-    QuietLibrary m_quiet;
 };
+
+/// A callback that follows a path which cannot be followed.
+osg::ref_ptr<osg::AnimationPathCallback> astray() {
+    const osg::ref_ptr<osg::AnimationPath> path = new osg::AnimationPath;
+    path->insert(0.0, osg::AnimationPath::ControlPoint(osg::Vec3d(0, 0, infinite<double>)));
+    return new osg::AnimationPathCallback(path);
+}
 
 } // namespace
 
@@ -43,10 +42,47 @@ TEST_F(AnimationCheckTest, PathOfNumbersIsFollowed) {
 
 TEST_F(AnimationCheckTest, PathThroughWhatIsNoNumberIsNot) {
     using Point = osg::AnimationPath::ControlPoint;
-    EXPECT_FALSE(staysMoving(2.0, Point(osg::Vec3d(0, notANumber, 0))));
-    EXPECT_FALSE(staysMoving(2.0, Point(osg::Vec3d(), osg::Quat(0, 0, 0, infinite))));
-    EXPECT_FALSE(staysMoving(2.0, Point(osg::Vec3d(), osg::Quat(), osg::Vec3d(1, 1, infinite))));
-    EXPECT_FALSE(staysMoving(infinite, Point()));
+    for (int i = 0; i < 3; ++i) {
+        osg::Vec3d position;
+        position[i] = notANumber<double>;
+        EXPECT_FALSE(staysMoving(2.0, Point(position))) << i;
+        osg::Vec3d scale(1, 1, 1);
+        scale[i] = infinite<double>;
+        EXPECT_FALSE(staysMoving(2.0, Point(osg::Vec3d(), osg::Quat(), scale))) << i;
+    }
+    for (int i = 0; i < 4; ++i) {
+        osg::Vec4d rotation(0, 0, 0, 1);
+        rotation[i] = infinite<double>;
+        EXPECT_FALSE(staysMoving(2.0, Point(osg::Vec3d(), osg::Quat(rotation)))) << i;
+    }
+    EXPECT_FALSE(staysMoving(infinite<double>, Point()));
+}
+
+TEST_F(AnimationCheckTest, CallbacksOfEveryKindAreLookedAt) {
+    const osg::ref_ptr<osg::Group> model = new osg::Group;
+    const osg::ref_ptr<osg::AnimationPathCallback> update = astray();
+    const osg::ref_ptr<osg::AnimationPathCallback> event = astray();
+    const osg::ref_ptr<osg::AnimationPathCallback> cull = astray();
+    const osg::ref_ptr<osg::AnimationPathCallback> nested = astray();
+    update->setNestedCallback(nested);
+    model->setUpdateCallback(update);
+    model->setEventCallback(event);
+    model->setCullCallback(cull);
+    EXPECT_EQ(checkModel(*model), std::nullopt);
+    for (const osg::AnimationPathCallback* callback :
+         {update.get(), event.get(), cull.get(), nested.get()})
+        EXPECT_EQ(callback->getAnimationPath(), nullptr);
+}
+
+TEST_F(AnimationCheckTest, CallbackThatContainsItselfDoesSoNoMore) {
+    const osg::ref_ptr<osg::NodeCallback> outer = new osg::NodeCallback;
+    const osg::ref_ptr<osg::NodeCallback> inner = new osg::NodeCallback;
+    outer->setNestedCallback(inner);
+    inner->setNestedCallback(outer);
+    const osg::ref_ptr<osg::Group> model = new osg::Group;
+    model->setUpdateCallback(outer);
+    EXPECT_EQ(checkModel(*model), std::nullopt);
+    EXPECT_TRUE(!outer->getNestedCallback() || !inner->getNestedCallback());
 }
 
 TEST_F(AnimationCheckTest, ChannelsWithoutKeysAreLeftOut) {

@@ -54,8 +54,11 @@ TEST_F(ContentLookTest, OldTextListLongerThanTheFileIsRefused) {
 }
 
 TEST_F(ContentLookTest, OldTextPrimitivesOfWordsAreRefused) {
-    EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1^ 2\n }\n"));
+    for (const char* name : {"DrawElementsUByte", "DrawElementsUShort", "DrawElementsUInt"})
+        EXPECT_FALSE(isOldTextFine(std::string(name) + " TRIANGLES 3 {\n 0 1^ 2\n }\n")) << name;
     EXPECT_FALSE(isOldTextFine("DrawElementsUInt TRIANGLES 3 {\n 0 1 2\n"));
+    EXPECT_FALSE(isOldTextFine("DrawElementsUInt\nTRIANGLES\n1 3\n{\n 0 1^ 2\n }\n"));
+    EXPECT_TRUE(isOldTextFine("ShapeDrawable {\n Sphere {\n Radius 1\n }\n}\n"));
     EXPECT_FALSE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3^ 3\n }\n"));
     EXPECT_TRUE(isOldTextFine("DrawArrayLengths TRIANGLES 0 2\n{\n 3 3\n }\n"));
 }
@@ -86,6 +89,13 @@ TEST_F(ContentLookTest, OldTextHeightFieldOfAnotherAreaIsRefused) {
     EXPECT_FALSE(isOldTextFine(field("1 6", "0 1 2 3 4 5")));
     EXPECT_FALSE(isOldTextFine(field("65536 65536", "0 1 2 3 4 5")));
     EXPECT_FALSE(isOldTextFine(field("-2 -3", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("2.0 3", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("2 3.0", "0 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "{ 0 1 2 3 4 } 5")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "{ 0 1 2 3 4 } 5 6 7 8")));
+    EXPECT_FALSE(isOldTextFine(field("2 3", "0\"\"1 1 2 3 4 5")));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n NumColumnsAndRows 2 1\n}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n NumColumnsAndRows 2 2 Heights 9 0 1 2 3\n}\n"));
 }
 
 TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
@@ -95,24 +105,40 @@ TEST_F(ContentLookTest, OldTextHeightsWithoutAnAreaAreRefused) {
     EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + "}\n"));
     EXPECT_FALSE(isOldTextFine("HeightField {\n" + heights + area + "}\n"));
     EXPECT_FALSE(isOldTextFine("HeightField {\n" + area + heights + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n Other" + area + heights + "}\n"));
+    EXPECT_FALSE(isOldTextFine("HeightField {\n" + area + "}\nHeightField {\n" + heights + "}\n"));
 }
 
 TEST_F(ContentLookTest, OldTextMatrixOfTooManyNumbersIsRefused) {
-    const auto matrix = [](const std::string& name, int numbers) {
-        std::string text = name + " {\n";
+    const auto matrix = [](const std::string& name, int numbers, const std::string& first = "") {
+        std::string text = name + " {\n" + first;
         for (int i = 0; i < numbers; ++i)
             text += " 1";
-        return "MatrixTransform {\n" + text + "\n}\n}\n";
+        return text + "\n}\n";
     };
-    EXPECT_TRUE(isOldTextFine(matrix("Matrix", 16)));
-    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 17)));
-    EXPECT_FALSE(isOldTextFine(matrix("Matrix", 2000)));
-    EXPECT_FALSE(isOldTextFine(matrix("PutMatrix", 17)));
+    for (const char* name :
+         {"Matrix", "PutMatrix", "ProjectionMatrix", "ViewMatrix", "projectorMatrix",
+          "MatrixInSkeletonSpace", "InvBindMatrixInSkeletonSpace"}) {
+        EXPECT_TRUE(isOldTextFine(matrix(name, 16))) << name;
+        EXPECT_FALSE(isOldTextFine(matrix(name, 17))) << name;
+        EXPECT_FALSE(isOldTextFine(matrix(name, 2000))) << name;
+        // The reader leaves out what is in brackets, and goes on.
+        EXPECT_FALSE(isOldTextFine(matrix(name, 2000, "{ }"))) << name;
+        EXPECT_FALSE(isOldTextFine(matrix(name, 16, "word { 1 }"))) << name;
+        EXPECT_FALSE(isOldTextFine(matrix(name, 2000, "\"}\""))) << name;
+    }
+    EXPECT_TRUE(isOldTextFine("Locator {\n" + matrix("Transform", 16) + "}\n"));
+    EXPECT_FALSE(isOldTextFine("Locator {\n" + matrix("Transform", 17) + "}\n"));
+    EXPECT_FALSE(isOldTextFine("osgTerrain::Locator {\n" + matrix("Transform", 17) + "}\n"));
+    // A node of the same name has more in it, and so have objects called after their matrix.
+    EXPECT_TRUE(isOldTextFine("Group {\n" + matrix("Transform", 17) + "}\n"));
+    EXPECT_TRUE(isOldTextFine("ColorMatrix {\n" + matrix("Matrix", 16) + "}\n"));
 }
 
 TEST_F(ContentLookTest, OldTextWithoutAllItsBracketsIsRefused) {
     EXPECT_TRUE(isOldTextFine("Group {\n StateSet { GL_LIGHTING ON }\n}\n"));
-    for (const char* name : {"\"{\"", "\"}\"", "'{'", "\"a\\\"{\"", "\"\\\\\"", "\"'{\"", "'\"}'"})
+    for (const char* name :
+         {"\"{\"", "\"}\"", "'{'", "\"a\\\"{\"", "\"\\\\\"", "\"'{\"", "'\"}'", "'a' other '{'"})
         EXPECT_TRUE(isOldTextFine(std::string("Group {\n name ") + name + "\n}\n")) << name;
     for (const char* text : {"Group {\n StateSet {\n GL_LIGHTING", "Group {\n}\n}\n",
                              "} StateSet {\n GL_LIGHTING", "Group {\n name \"a }\n"})
@@ -153,12 +179,14 @@ TEST_F(ContentLookTest, OldTextNamesMayLookLikeNumbersOfTheFormat) {
 
 TEST_F(ContentLookTest, OldTextPictureOnAnAbsurdUnitIsRefused) {
     const auto onUnit = [](const std::string& unit) {
-        return "StateSet {\n textureUnit " + unit + " {\n GL_TEXTURE_2D ON\n }\n}\n";
+        // The number is taken for a count as well, of no more than there are bytes.
+        return "StateSet {\n textureUnit " + unit + " {\n GL_TEXTURE_2D ON\n }\n}\n" +
+               std::string(300, ' ');
     };
-    for (const char* unit : {"0", "7", "0x7"})
+    for (const char* unit : {"0", "7", "0x7", "255"})
         EXPECT_TRUE(isOldTextFine(onUnit(unit))) << unit;
-    for (const char* unit :
-         {"18446744073709551615", "-1", "4294967295", "2000000000", "0xffffffff"})
+    for (const char* unit : {"256", "18446744073709551615", "-1", "4294967295", "4294967296",
+                             "2000000000", "0xffffffff"})
         EXPECT_FALSE(isOldTextFine(onUnit(unit))) << unit;
 }
 

@@ -22,9 +22,11 @@
 #include <osgDB/WriteFile>
 #include <osgTerrain/TerrainTile>
 #include <osgText/Text>
+#include <zlib.h>
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orbisk::test {
@@ -85,6 +87,18 @@ std::string groupFile(std::uint32_t version, bool turned,
     whole(0xffffffff);
     whole(0);
     return bytes.bytes();
+}
+
+/// A packed file of a group and of zeros behind it, which nobody reads.
+std::string packedFile(std::size_t zeros) {
+    const std::string content = groupFile(45, false).substr(12) + std::string(zeros, '\0');
+    uLongf size = compressBound(content.size());
+    std::string packed(size, '\0');
+    EXPECT_EQ(compress(reinterpret_cast<Bytef*>(packed.data()), &size,
+                       reinterpret_cast<const Bytef*>(content.data()), content.size()),
+              Z_OK);
+    const auto largestPiece = static_cast<std::uint32_t>(content.size());
+    return bytesOf<std::uint32_t>({0x01020304, 45, 1, largestPiece}) + packed.substr(0, size);
 }
 
 class IveLookTest : public testing::Test {
@@ -159,6 +173,16 @@ TEST_F(IveLookTest, PackedFilesAreUnpackedAndLookedAt) {
     EXPECT_EQ(outcomeOf(packed.substr(0, packed.size() / 2)), "refused");
 }
 
+TEST_F(IveLookTest, SmallFileThatUnpacksToFarMoreIsRefused) {
+    const std::string good = packedFile(std::size_t(1) << 20);
+    EXPECT_TRUE(unpackedIve(good));
+    EXPECT_EQ(outcomeOf(good), "looked at");
+    const std::string bad = packedFile(std::size_t(300) << 20);
+    EXPECT_LT(bad.size(), std::size_t(1) << 20);
+    EXPECT_FALSE(unpackedIve(bad));
+    EXPECT_EQ(outcomeOf(bad), "refused");
+}
+
 TEST_F(IveLookTest, BillboardOfMorePositionsThanDrawablesIsRefused) {
     const osg::ref_ptr<osg::Billboard> model = new osg::Billboard;
     model->addDrawable(makeQuad(), markedPlace);
@@ -179,6 +203,7 @@ TEST_F(IveLookTest, HeightFieldOfAnotherAreaThanItsHeightsIsRefused) {
     expectRefused(good, heightFieldOf(2, 2, 1'000'000));
     expectRefused(good, heightFieldOf(11, 8));
     expectRefused(good, heightFieldOf(77, 1));
+    expectRefused(good, heightFieldOf(1, 77));
 }
 
 TEST_F(IveLookTest, HeightLayerOfAnotherAreaThanItsHeightsIsRefused) {
@@ -193,6 +218,22 @@ TEST_F(IveLookTest, HeightLayerOfAnotherAreaThanItsHeightsIsRefused) {
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({65536, 65536}) + origin));
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({7, 12}) + origin));
     expectRefused(good, replaced(good, area, bytesOf<std::uint32_t>({77, 1}) + origin));
+}
+
+TEST_F(IveLookTest, HeightLayerOfOneHeightIsNoLargerThanAModelMayBe) {
+    const osg::ref_ptr<osg::HeightField> field = new osg::HeightField;
+    field->allocate(7, 11);
+    const osg::ref_ptr<osgTerrain::TerrainTile> tile = new osgTerrain::TerrainTile;
+    tile->setElevationLayer(new osgTerrain::HeightFieldLayer(field));
+    const std::string small = iveFile(*tile);
+    // A field of any size takes as few bytes.
+    const auto ofSide = [&](std::uint32_t side) {
+        return replaced(
+            replaced(small, bytesOf<std::uint32_t>({7, 11}), bytesOf<std::uint32_t>({side, side})),
+            bytesOf<std::uint32_t>({7 * 11}), bytesOf<std::uint32_t>({side * side}));
+    };
+    EXPECT_TRUE(isFine(ofSide(2048)));
+    EXPECT_FALSE(isFine(ofSide(2049)));
 }
 
 TEST_F(IveLookTest, ShapesAreReadToTheirEnds) {
@@ -253,10 +294,10 @@ TEST_F(IveLookTest, LabelOfAbsurdDetailIsRefused) {
     label->setFontResolution(33, 34);
     model->addDrawable(label);
     const std::string good = iveFile(*model);
-    const std::string bad =
-        replaced(good, bytesOf<std::uint32_t>({33, 34}), bytesOf<std::uint32_t>({60'000, 60'000}));
     EXPECT_TRUE(isFine(good));
-    EXPECT_FALSE(isFine(bad));
+    for (const auto& [width, height] : {std::pair(60'000u, 34u), std::pair(33u, 60'000u)})
+        EXPECT_FALSE(isFine(replaced(good, bytesOf<std::uint32_t>({33, 34}),
+                                     bytesOf<std::uint32_t>({width, height}))));
 }
 
 TEST_F(IveLookTest, PatternThatIsTooSmallIsRefused) {
@@ -283,7 +324,21 @@ TEST_F(IveLookTest, OldUniformThatTheReaderHasNoPlaceForIsRefused) {
         uniform.put(std::uint32_t(0));
         return groupFile(15, false, '\1' + bytesOf<std::uint32_t>({0}) + uniform.bytes());
     };
-    expectRefused(file(osg::Uniform::FLOAT_MAT3, 9), file(osg::Uniform::FLOAT_MAT2, 9));
+    const std::string good = file(osg::Uniform::FLOAT_MAT3, 9);
+    expectRefused(good, file(osg::Uniform::FLOAT_MAT2, 9));
+    EXPECT_FALSE(isFine(good.substr(0, good.size() - 1)));
+}
+
+TEST_F(IveLookTest, UniformOfMoreElementsThanNumbersIsRefused) {
+    const osg::ref_ptr<osg::Geode> model = makeQuadGeode();
+    model->getOrCreateStateSet()->addUniform(
+        new osg::Uniform(osg::Uniform::FLOAT_VEC4, "several", 5));
+    const std::string good = iveFile(*model);
+    const auto ofElements = [&](std::uint32_t count) {
+        return replaced(good, bytesOf<std::uint32_t>({osg::Uniform::FLOAT_VEC4, 5}),
+                        bytesOf<std::uint32_t>({osg::Uniform::FLOAT_VEC4, count}));
+    };
+    expectRefused(ofElements(5), ofElements(21));
 }
 
 TEST_F(IveLookTest, CountsBeyondTheFileAreRefused) {

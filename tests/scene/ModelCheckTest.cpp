@@ -1,28 +1,24 @@
 #include "view/ModelCheck.h"
 
-#include "support/SceneTools.h"
+#include "support/CheckTest.h"
 
-#include <gtest/gtest.h>
 #include <osg/AutoTransform>
 #include <osg/Camera>
 #include <osg/LOD>
 #include <osg/MatrixTransform>
 #include <osg/PositionAttitudeTransform>
+#include <osg/Projection>
 #include <osgSim/DOFTransform>
 
 #include <climits>
 #include <cmath>
-#include <limits>
-#include <vector>
+#include <utility>
 
 namespace orbisk::test {
 
 namespace {
 
-constexpr float infinite = std::numeric_limits<float>::infinity();
-constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-
-class ModelCheckTest : public testing::Test {
+class ModelCheckTest : public CheckTest {
 protected:
     ModelCheckTest() : m_quad(makeQuad()), m_geode(new osg::Geode) { m_geode->addDrawable(m_quad); }
 
@@ -40,7 +36,18 @@ protected:
         return m_quad->getNumPrimitiveSets() == 1;
     }
 
-    QuietLibrary m_quiet;
+    /// Whether what stands under a node of this kind is left out once `change` was made to it.
+    template <typename Kind, typename Change>
+    bool leavesOut(const Change& change) {
+        const osg::ref_ptr<Kind> node = new Kind;
+        node->addChild(m_geode);
+        EXPECT_EQ(checkModel(*node), std::nullopt);
+        EXPECT_EQ(node->getNumChildren(), 1u) << "before the change";
+        change(*node);
+        EXPECT_EQ(checkModel(*node), std::nullopt);
+        return node->getNumChildren() == 0;
+    }
+
     osg::ref_ptr<osg::Geometry> m_quad; ///< four vertices
     osg::ref_ptr<osg::Geode> m_geode;
 };
@@ -160,8 +167,8 @@ TEST_F(ModelCheckTest, CompanionsOfOtherBindingsNeedWhatTheyAreReadFor) {
 }
 
 TEST_F(ModelCheckTest, InfiniteAndHugeCoordinatesBecomeNoNumbers) {
-    vertices()[0].x() = infinite;
-    vertices()[1].y() = -infinite;
+    vertices()[0].x() = infinite<float>;
+    vertices()[1].y() = -infinite<float>;
     vertices()[2].z() = 1e30f;
     EXPECT_EQ(checkModel(*m_geode), std::nullopt);
     EXPECT_TRUE(std::isnan(vertices()[0].x()));
@@ -192,43 +199,72 @@ TEST_F(ModelCheckTest, DoubleVerticesAreCheckedAsWell) {
     EXPECT_FALSE(keeps(new osg::DrawArrays(GL_POINTS, 0, 5)));
 }
 
-TEST_F(ModelCheckTest, WhatStandsUnderATransformWithoutNumbersIsLeftOut) {
-    osg::Matrixd matrix;
-    matrix(1, 2) = static_cast<double>(notANumber);
-    const osg::ref_ptr<osg::MatrixTransform> first = new osg::MatrixTransform(matrix);
-    first->addChild(m_geode);
-    const osg::ref_ptr<osg::PositionAttitudeTransform> second = new osg::PositionAttitudeTransform;
-    second->setScale(osg::Vec3d(1, static_cast<double>(infinite), 1));
-    second->addChild(m_geode);
-    const osg::ref_ptr<osg::Group> model = new osg::Group;
-    model->addChild(first);
-    model->addChild(second);
-    EXPECT_EQ(checkModel(*model), std::nullopt);
-    EXPECT_EQ(first->getNumChildren(), 0u);
-    EXPECT_EQ(second->getNumChildren(), 0u);
+TEST_F(ModelCheckTest, EveryNumberOfAMatrixCounts) {
+    for (int i = 0; i < 16; ++i) {
+        osg::Matrixd matrix;
+        matrix(i / 4, i % 4) = i % 2 == 0 ? notANumber<double> : infinite<double>;
+        EXPECT_TRUE(leavesOut<osg::MatrixTransform>([&](auto& node) { node.setMatrix(matrix); }))
+            << i;
+        EXPECT_TRUE(leavesOut<osg::Projection>([&](auto& node) { node.setMatrix(matrix); })) << i;
+        EXPECT_TRUE(leavesOut<osg::Camera>([&](auto& node) { node.setViewMatrix(matrix); })) << i;
+        EXPECT_TRUE(leavesOut<osg::Camera>([&](auto& node) { node.setProjectionMatrix(matrix); }))
+            << i;
+        EXPECT_TRUE(leavesOut<osgSim::DOFTransform>([&](auto& node) { node.setPutMatrix(matrix); }))
+            << i;
+        EXPECT_TRUE(leavesOut<osgSim::DOFTransform>([&](auto& node) {
+            node.setInversePutMatrix(matrix);
+        })) << i;
+    }
 }
 
-TEST_F(ModelCheckTest, EveryKindOfTransformNeedsNumbers) {
-    const osg::ref_ptr<osg::AutoTransform> turned = new osg::AutoTransform;
-    const osg::ref_ptr<osg::Camera> camera = new osg::Camera;
-    const osg::ref_ptr<osgSim::DOFTransform> joint = new osgSim::DOFTransform;
-    const osg::ref_ptr<osgSim::DOFTransform> put = new osgSim::DOFTransform;
-    const std::vector<osg::Transform*> all = {turned, camera, joint, put};
-    for (osg::Transform* transform : all) {
-        transform->addChild(m_geode);
-        EXPECT_EQ(checkModel(*transform), std::nullopt);
-        EXPECT_EQ(transform->getNumChildren(), 1u) << transform->className();
+TEST_F(ModelCheckTest, EveryNumberOfAPlaceCounts) {
+    using Place = osg::PositionAttitudeTransform;
+    using Turned = osg::AutoTransform;
+    for (int i = 0; i < 3; ++i) {
+        osg::Vec3d vector(1, 1, 1);
+        vector[i] = notANumber<double>;
+        EXPECT_TRUE(leavesOut<Place>([&](auto& node) { node.setPosition(vector); })) << i;
+        EXPECT_TRUE(leavesOut<Place>([&](auto& node) { node.setScale(vector); })) << i;
+        EXPECT_TRUE(leavesOut<Place>([&](auto& node) { node.setPivotPoint(vector); })) << i;
+        EXPECT_TRUE(leavesOut<Turned>([&](auto& node) { node.setPosition(vector); })) << i;
+        EXPECT_TRUE(leavesOut<Turned>([&](auto& node) { node.setScale(vector); })) << i;
+        EXPECT_TRUE(leavesOut<Turned>([&](auto& node) { node.setPivotPoint(vector); })) << i;
     }
-    osg::Matrixd matrix;
-    matrix(3, 0) = static_cast<double>(infinite);
-    turned->setPosition(osg::Vec3d(0, static_cast<double>(notANumber), 0));
-    camera->setViewMatrix(matrix);
-    joint->setCurrentTranslate(osg::Vec3(0, 0, infinite));
-    put->setPutMatrix(matrix);
-    for (osg::Transform* transform : all) {
-        EXPECT_EQ(checkModel(*transform), std::nullopt);
-        EXPECT_EQ(transform->getNumChildren(), 0u) << transform->className();
+    for (int i = 0; i < 4; ++i) {
+        osg::Vec4d numbers(0, 0, 0, 1);
+        numbers[i] = infinite<double>;
+        const osg::Quat rotation(numbers);
+        EXPECT_TRUE(leavesOut<Place>([&](auto& node) { node.setAttitude(rotation); })) << i;
+        EXPECT_TRUE(leavesOut<Turned>([&](auto& node) { node.setRotation(rotation); })) << i;
     }
+}
+
+TEST_F(ModelCheckTest, EveryNumberOfAJointCounts) {
+    using Joint = osgSim::DOFTransform;
+    using Set = void (Joint::*)(const osg::Vec3&);
+    const std::pair<const char*, Set> parts[] = {{"lowest angles", &Joint::setMinHPR},
+                                                 {"highest angles", &Joint::setMaxHPR},
+                                                 {"steps of angles", &Joint::setIncrementHPR},
+                                                 {"angles", &Joint::setCurrentHPR},
+                                                 {"lowest place", &Joint::setMinTranslate},
+                                                 {"highest place", &Joint::setMaxTranslate},
+                                                 {"steps of place", &Joint::setIncrementTranslate},
+                                                 {"place", &Joint::setCurrentTranslate},
+                                                 {"lowest scale", &Joint::setMinScale},
+                                                 {"highest scale", &Joint::setMaxScale},
+                                                 {"steps of scale", &Joint::setIncrementScale},
+                                                 {"scale", &Joint::setCurrentScale}};
+    for (const auto& [name, set] : parts)
+        for (int i = 0; i < 3; ++i) {
+            osg::Vec3 vector(1, 1, 1);
+            vector[i] = infinite<float>;
+            const auto change = [&, part = set](Joint& joint) { (joint.*part)(vector); };
+            EXPECT_TRUE(leavesOut<Joint>(change)) << name << i;
+        }
+}
+
+TEST_F(ModelCheckTest, TransformWithoutNumbersOfItsOwnStays) {
+    EXPECT_FALSE(leavesOut<osg::Transform>([](auto&) {}));
 }
 
 TEST_F(ModelCheckTest, TransformThatFlattensEverythingStays) {
@@ -242,9 +278,9 @@ TEST_F(ModelCheckTest, TransformThatFlattensEverythingStays) {
 TEST_F(ModelCheckTest, BoundsWithoutNumbersAreForgotten) {
     const osg::ref_ptr<osg::LOD> lod = new osg::LOD;
     lod->addChild(m_geode, 0, 1e9f);
-    lod->setCenter(osg::Vec3(notANumber, 0, 0));
-    lod->setRadius(infinite);
-    lod->setInitialBound(osg::BoundingSphere(osg::Vec3(), infinite));
+    lod->setCenter(osg::Vec3(notANumber<float>, 0, 0));
+    lod->setRadius(infinite<float>);
+    lod->setInitialBound(osg::BoundingSphere(osg::Vec3(), infinite<float>));
     EXPECT_EQ(checkModel(*lod), std::nullopt);
     EXPECT_LT(lod->getBound().radius(), 2.0f);
     EXPECT_TRUE(lod->getBound().valid());

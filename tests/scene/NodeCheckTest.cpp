@@ -1,11 +1,10 @@
 #include "view/NodeCheck.h"
 
 #include "readers/NativeClasses.h"
-#include "support/SceneTools.h"
+#include "support/CheckTest.h"
 #include "view/ModelCheck.h"
 #include "view/StateCheck.h"
 
-#include <gtest/gtest.h>
 #include <osg/Billboard>
 #include <osg/OccluderNode>
 #include <osg/OcclusionQueryNode>
@@ -17,15 +16,11 @@
 #include <osgSim/MultiSwitch>
 #include <osgText/Text>
 
-#include <limits>
-
 namespace orbisk::test {
 
 namespace {
 
-constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
-
-class NodeCheckTest : public testing::Test {
+class NodeCheckTest : public CheckTest {
 protected:
     template <typename Node>
     osg::ref_ptr<Node> withChildren(int count) {
@@ -34,8 +29,6 @@ protected:
             node->addChild(makeQuadGeode());
         return node;
     }
-
-    QuietLibrary m_quiet;
 };
 
 /// A picture whose block of memory has room for `bytes`.
@@ -93,10 +86,10 @@ TEST_F(NodeCheckTest, BillboardHasAPositionForEachDrawable) {
 
 TEST_F(NodeCheckTest, SequenceStaysWithinItsFrames) {
     const osg::ref_ptr<osg::Sequence> node = withChildren<osg::Sequence>(3);
-    node->setTimeList({1.0, static_cast<double>(notANumber), -1.0, 4.0});
+    node->setTimeList({1.0, notANumber<double>, -1.0, 4.0});
     node->setInterval(osg::Sequence::SWING, 1, 7);
     node->setSync(true);
-    node->setDuration(notANumber);
+    node->setDuration(notANumber<float>);
     checkNode(*node);
     osg::Sequence::LoopMode mode = osg::Sequence::LOOP;
     int begin = 0;
@@ -128,10 +121,10 @@ TEST_F(NodeCheckTest, LightPointsHaveSizesThatCanBeDrawn) {
     osgSim::LightPoint point;
     point._blinkSequence = new osgSim::BlinkSequence;
     node->addLightPoint(point);
-    point._position.x() = notANumber;
+    point._position.x() = notANumber<float>;
     node->addLightPoint(point);
     node->setMaxPixelSize(1e9f);
-    node->setMinPixelSize(notANumber);
+    node->setMinPixelSize(notANumber<float>);
     checkNode(*node);
     ASSERT_EQ(node->getNumLightPoints(), 1u);
     EXPECT_EQ(node->getLightPoint(0)._blinkSequence, nullptr);
@@ -142,8 +135,8 @@ TEST_F(NodeCheckTest, LightPointsHaveSizesThatCanBeDrawn) {
 TEST_F(NodeCheckTest, TextHasASize) {
     const osg::ref_ptr<osgText::Text> text = new osgText::Text;
     text->setFontResolution(60'000, 32);
-    text->setCharacterSize(notANumber);
-    text->setPosition(osg::Vec3(0, notANumber, 0));
+    text->setCharacterSize(notANumber<float>);
+    text->setPosition(osg::Vec3(0, notANumber<float>, 0));
     checkNode(*text);
     EXPECT_LE(text->getFontWidth(), 1000u);
     EXPECT_EQ(text->getFontHeight(), 32u);

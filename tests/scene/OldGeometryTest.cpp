@@ -92,11 +92,22 @@ TEST_F(OldGeometryTest, PrimitivesAreCountedAsTheyAreRenewed) {
     EXPECT_EQ(count(new osg::DrawArrays(GL_POINTS, 0, 4)), 4u);
     EXPECT_EQ(count(new osg::DrawArrays(GL_LINES, 0, 3)), 2u);
     EXPECT_EQ(count(new osg::DrawArrays(GL_TRIANGLES, 0, 4)), 2u);
-    EXPECT_EQ(count(new osg::DrawArrays(GL_QUADS, 0, 4)), 1u);
+    EXPECT_EQ(count(new osg::DrawArrays(GL_QUADS, 0, 5)), 2u);
     EXPECT_EQ(count(new osg::DrawArrays(GL_TRIANGLE_STRIP, 0, 4)), 1u);
     EXPECT_EQ(count(new osg::DrawArrays(GL_TRIANGLE_STRIP, 0, 0)), 0u);
     EXPECT_EQ(count(new osg::DrawArrayLengths(GL_POLYGON, 0, 3, const_cast<GLint*>(lengths))), 2u);
     EXPECT_EQ(count(new osg::DrawArrayLengths(GL_POINTS, 0, 3, const_cast<GLint*>(lengths))), 7u);
+}
+
+TEST_F(OldGeometryTest, NormalsOfPrimitivesThatWouldTakeTooManyVerticesAreLeftOut) {
+    // A strip is one primitive, so that one normal would be enough.
+    const osg::ref_ptr<osg::PrimitiveSet> strip =
+        new osg::DrawElementsUByte(GL_TRIANGLE_STRIP, 20'000'001);
+    const osg::ref_ptr<osg::Geometry> geometry = withNormals(1, strip);
+    checkGeometry(*geometry);
+    EXPECT_EQ(geometry->getNormalArray(), nullptr);
+    EXPECT_EQ(geometry->getVertexArray()->getNumElements(), 4u);
+    EXPECT_EQ(geometry->getNumPrimitiveSets(), 1u);
 }
 
 TEST_F(OldGeometryTest, LengthsThatTheLibraryRenewsWronglyAreNotDrawnBeyondTheVertices) {

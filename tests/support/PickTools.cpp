@@ -65,6 +65,10 @@ std::optional<osg::Vec3d> firstHit(osg::Node& model, const PickRay& ray) {
     return hits.empty() ? std::nullopt : std::optional<osg::Vec3d>(hits.front());
 }
 
+bool isHit(osg::Node& model, const PickRay& ray) {
+    return firstHit(model, ray).has_value();
+}
+
 PickRay rayBetween(const osg::Vec3d& from, const osg::Vec3d& to) {
     PickRay ray{from, to - from};
     ray.direction.normalize();

@@ -39,6 +39,9 @@ std::vector<osg::Vec3d> hitsOf(osg::Node& model, const PickRay& ray);
 /// The first of them, if any.
 std::optional<osg::Vec3d> firstHit(osg::Node& model, const PickRay& ray);
 
+/// Whether there is any.
+bool isHit(osg::Node& model, const PickRay& ray);
+
 /// The ray from one point towards another, its direction of length one.
 PickRay rayBetween(const osg::Vec3d& from, const osg::Vec3d& to);
 
