@@ -239,9 +239,26 @@ bool allBehind(const std::string& text, const std::string& name, const Fine& isF
     });
 }
 
+/// Whether what is put to a numbered place of a list is put where there may be one: the lists are
+/// made as long as that, from the first place on.
+bool arePlacesInListsFine(const std::string& text) {
+    constexpr long long highest = 255;
+    constexpr const char* names[] = {
+        "textureUnit",       "TextureUnit",         "TexCoordArray",       "TexCoordIndices",
+        "VertexAttribArray", "VertexAttribBinding", "VertexAttribIndices", "VertexAttribNormalize",
+        "ColorLayer",        "ActiveSwitchSet",     "ValueList",
+    };
+    return std::all_of(std::begin(names), std::end(names), [&](const char* name) {
+        // A bracket may stand there instead of a number, which is then taken for 0.
+        return allBehind(text, name, [](const std::string& place) {
+            const long long number = std::strtoll(place.c_str(), nullptr, 0);
+            return number >= 0 && number <= highest;
+        });
+    });
+}
+
 std::optional<std::string> numberRefusal(const std::string& text) {
     constexpr double highestDetail = 16.0;
-    constexpr long long highestTextureUnit = 255;
     if (!haveHeightsAreas(text))
         return "a height field has heights without an area";
     const std::vector<std::size_t> areas = placesOf(areaName, text);
@@ -253,12 +270,8 @@ std::optional<std::string> numberRefusal(const std::string& text) {
             return number >= 0.0 && number <= highestDetail;
         }))
         return "a shape of absurd detail";
-    // There is room for the units up to it, each of them.
-    if (!allBehind(text, "textureUnit", [](const std::string& unit) {
-            const long long number = std::strtoll(unit.c_str(), nullptr, 0);
-            return number >= 0 && number <= highestTextureUnit;
-        }))
-        return "a picture is on a unit that there is not";
+    if (!arePlacesInListsFine(text))
+        return "a place in a list is far beyond what there can be";
     return std::nullopt;
 }
 

@@ -177,17 +177,22 @@ TEST_F(ContentLookTest, OldTextNamesMayLookLikeNumbersOfTheFormat) {
         EXPECT_TRUE(isOldTextFine(std::string("Group {\n name ") + name + " -1\n}\n")) << name;
 }
 
-TEST_F(ContentLookTest, OldTextPictureOnAnAbsurdUnitIsRefused) {
-    const auto onUnit = [](const std::string& unit) {
-        // The number is taken for a count as well, of no more than there are bytes.
-        return "StateSet {\n textureUnit " + unit + " {\n GL_TEXTURE_2D ON\n }\n}\n" +
-               std::string(300, ' ');
-    };
-    for (const char* unit : {"0", "7", "0x7", "255"})
-        EXPECT_TRUE(isOldTextFine(onUnit(unit))) << unit;
-    for (const char* unit : {"256", "18446744073709551615", "-1", "4294967295", "4294967296",
-                             "2000000000", "0xffffffff"})
-        EXPECT_FALSE(isOldTextFine(onUnit(unit))) << unit;
+TEST_F(ContentLookTest, OldTextWithAnAbsurdPlaceInAListIsRefused) {
+    for (const char* name :
+         {"textureUnit", "TextureUnit", "TexCoordArray", "TexCoordIndices", "VertexAttribArray",
+          "VertexAttribBinding", "VertexAttribIndices", "VertexAttribNormalize", "ColorLayer",
+          "ActiveSwitchSet", "ValueList"}) {
+        const auto at = [&](const std::string& place) {
+            // The number is taken for a count as well, of no more than there are bytes.
+            return "Object {\n " + (name + (" " + place)) + " {\n Inner ON\n }\n}\n" +
+                   std::string(300, ' ');
+        };
+        for (const char* place : {"", "0", "7", "0x7", "255"})
+            EXPECT_TRUE(isOldTextFine(at(place))) << name << " " << place;
+        for (const char* place : {"256", "18446744073709551615", "-1", "4294967295", "4294967296",
+                                  "2000000000", "0xffffffff"})
+            EXPECT_FALSE(isOldTextFine(at(place))) << name << " " << place;
+    }
 }
 
 TEST_F(ContentLookTest, OldTextNestedTooDeeplyIsRefused) {
