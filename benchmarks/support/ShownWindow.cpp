@@ -2,6 +2,7 @@
 
 #include <poll.h>
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -102,17 +103,21 @@ bool ShownWindow::exists(const std::string& title) const {
 void ShownWindow::waitUntilShown(const std::string& title, std::chrono::milliseconds limit) const {
     XSync(m_display, True);
     const Patience patience(title, limit);
-    Window frame = None;
-    while (frame == None || findBelow(m_display, frame, title, deepestFrame) == None) {
+    // A help text or a menu may be mapped after the frame.
+    std::vector<Window> mapped;
+    const auto isTitledBelow = [&](Window window) {
+        return findBelow(m_display, window, title, deepestFrame) != None;
+    };
+    while (std::none_of(mapped.begin(), mapped.end(), isTitledBelow)) {
         patience.check();
         pollfd connection{ConnectionNumber(m_display), POLLIN, 0};
         if (XPending(m_display) == 0)
-            poll(&connection, 1, frame == None ? lookAtLeast : lookAgain);
+            poll(&connection, 1, mapped.empty() ? lookAtLeast : lookAgain);
         XEvent event{};
         while (XPending(m_display) > 0) {
             XNextEvent(m_display, &event);
             if (event.type == MapNotify)
-                frame = event.xmap.window;
+                mapped.push_back(event.xmap.window);
         }
     }
 }
