@@ -190,10 +190,9 @@ bool haveHeightsAreas(const std::string& text) {
     });
 }
 
-/// Whether the block at `bracket`, in the one at `around`, is a matrix of more numbers than its
-/// reader has room for.
-bool isLargeMatrix(const std::string& text, std::size_t bracket,
-                   std::optional<std::size_t> around) {
+/// Whether the block at `bracket`, in the one at `around` if any, is a matrix of more numbers than
+/// its reader has room for.
+bool isLargeMatrix(const std::string& text, std::size_t bracket, std::size_t around) {
     constexpr std::size_t most = 16;
     constexpr std::string_view names[] = {"Matrix",
                                           "PutMatrix",
@@ -203,8 +202,8 @@ bool isLargeMatrix(const std::string& text, std::size_t bracket,
                                           "MatrixInSkeletonSpace",
                                           "InvBindMatrixInSkeletonSpace"};
     const std::string name = wordBefore(text, bracket);
-    const bool isLocators = name == "Transform" && around &&
-                            wordBefore(text, *around).find("Locator") != std::string::npos;
+    const bool isLocators = name == "Transform" && around != std::string::npos &&
+                            wordBefore(text, around).find("Locator") != std::string::npos;
     if (!isLocators && std::find(std::begin(names), std::end(names), name) == std::end(names))
         return false;
     const std::vector<std::string> words = wordsFrom(text, bracket + 1, most + 1);
@@ -292,7 +291,7 @@ std::optional<std::string> oldTextRefusal(const std::string& path) {
             blocks.pop_back();
             continue;
         }
-        const auto around = blocks.empty() ? std::nullopt : std::optional(blocks.back());
+        const auto around = blocks.empty() ? std::string::npos : blocks.back();
         blocks.push_back(place);
         if (blocks.size() > deepestBracket)
             return "objects are nested too deeply";
